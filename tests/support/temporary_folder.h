@@ -1,0 +1,38 @@
+// A folder of its own for one test, removed with all that is in it at the end.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+
+namespace SharedClasses::tests {
+
+class TemporaryFolder {
+ public:
+  TemporaryFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "sharedclasses-XXXXXX").string();
+    mPath = ::mkdtemp(pattern.data());
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(mPath, ignored);
+  }
+
+  [[nodiscard]] const std::string& path() const { return mPath; }
+
+  // Writes a file, folders on its way included, and returns its full path.
+  std::string write(const std::string& name, std::string_view bytes) const {
+    const std::filesystem::path file = std::filesystem::path(mPath) / name;
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << bytes;
+    return file.string();
+  }
+
+ private:
+  std::string mPath;
+};
+
+}  // namespace SharedClasses::tests

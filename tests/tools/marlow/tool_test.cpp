@@ -1,0 +1,143 @@
+#include "tests/support/tool.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "platform/property_list.h"
+#include "tests/support/temporary_folder.h"
+
+namespace SharedClasses::tests {
+namespace {
+
+TEST(ToolExitCodes, TellWrongUseFromBadInput) {
+  struct Row {
+    const char* name;
+    std::vector<std::string> arguments;
+    std::string input;
+    int exitCode;
+    const char* complaint;  // a part of it; empty for none at all
+  };
+  const Row rows[] = {
+      {"help", {"--help"}, "", 0, ""},
+      {"no command", {}, "", 2, ""},
+      {"unknown command", {"frobnicate"}, "", 2, "no command \"frobnicate\""},
+      {"unknown option", {"x10", "--colour"}, "", 2, "unknown option --colour"},
+      {"option without its value", {"listen", "--devices"}, "", 2, "--devices needs a value"},
+      {"missing file", {"listen", "/nonexistent"}, "", 2, "cannot be read"},
+      {"a folder for a file", {"listen", "/"}, "", 2, "cannot be read"},
+      {"missing devices", {"listen", "--devices", "/nonexistent"}, "", 2, "No such file"},
+      {"good address", {"x10", "A1"}, "", 0, ""},
+      {"one bad address of two", {"x10", "A1", "Q1"}, "", 1, "\"Q1\": no house letter"},
+      {"addresses from standard input", {"insteon"}, "1a2b3c\n\n12 34\n", 1, "only hex digits"},
+      {"log without an action", {"log"}, "", 2, "--action CODE is missing"},
+      {"log of an amount that is none", {"log", "--action", "Dim", "--amount", "4x"}, "", 2, "not a number"},
+      {"log of an unknown tense", {"log", "--action", "On", "--tense", "soon"}, "", 2, "none of past, present"},
+      {"strings without a folder", {"strings", "check"}, "", 2, "marlow strings check FOLDER"},
+      {"strings in a folder without texts", {"strings", "check", "/proc"}, "", 2, "no folder of texts"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    const ToolResult result = runTool(row.arguments, row.input);
+    EXPECT_EQ(result.exitCode, row.exitCode) << result.complaints;
+    if (std::string_view(row.complaint).empty()) {
+      EXPECT_TRUE(result.exitCode == 2 || result.complaints.empty()) << result.complaints;
+    } else {
+      EXPECT_NE(result.complaints.find(row.complaint), std::string::npos) << result.complaints;
+    }
+  }
+}
+
+TEST(Listen, WordsEachLineOfAGrowingStreamBeforeTheNextOneComes) {
+  TemporaryFolder folder;
+  const std::string devices = folder.write("devices.txt", "# names\nA1 hall lamp\n1a2b3c\tkitchen lights\n");
+  Tool tool({"listen", "--devices", devices});
+  tool.write("2026-06-01T18:05:00 x10 A1 2\n2026-06-01T18:05:04 x10 A1 4 4");
+  EXPECT_EQ(tool.readLine(), "2026-06-01 18:05:00  The hall lamp was turned on.");
+  tool.write("0%\n");
+  EXPECT_EQ(tool.readLine(), "2026-06-01 18:05:04  The hall lamp was dimmed by 40%.");
+  tool.finish("2026-06-01T18:05:05 insteon 1A.2B.3C 0x14");  // the last line lacks its line break
+  EXPECT_EQ(tool.output(), "2026-06-01 18:05:05  The kitchen lights were turned off.\n");
+  EXPECT_EQ(tool.exitCode(), 0) << tool.complaints();
+}
+
+TEST(Listen, ReportsABadLineWithItsNumberAndGoesOn) {
+  const std::string input = "# comment\n\nrubbish\n2026-06-01T18:05:00 x10 B 1\n" + std::string(100'000, 'x') +
+                            "\n2026-06-01T18:05:01 x10 C9 3\n";
+  const ToolResult result = runTool({"listen"}, input);
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.output,
+            "2026-06-01 18:05:00  All lights in house B were turned on.\n"
+            "2026-06-01 18:05:01  The X10 device C9 was turned off.\n");
+  EXPECT_NE(result.complaints.find("standard input:3: a time, a protocol"), std::string::npos) << result.complaints;
+  EXPECT_NE(result.complaints.find("standard input:5: the line is longer"), std::string::npos) << result.complaints;
+}
+
+TEST(Listen, SurvivesAMegabyteOfRandomBytes) {
+  std::mt19937 random(20260601);
+  std::string bytes(1 << 20, '\0');
+  for (char& byte : bytes) {
+    byte = static_cast<char>(random());
+  }
+  const ToolResult result = runTool({"listen"}, bytes);
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.output, "");
+  for (const char c : result.complaints) {
+    ASSERT_TRUE(c == '\n' || static_cast<unsigned char>(c) >= 0x20) << "a control character reached the terminal";
+  }
+}
+
+TEST(Listen, TakesNamesFromAPropertyListAndReportsEachBadOne) {
+  TemporaryFolder folder;
+  const std::string devices = folder.write("devices.plist",
+                                           "<plist><dict><key>A1</key><string>hall lamp</string>"
+                                           "<key>Z9</key><string>nowhere</string>"
+                                           "<key>A2</key><integer>7</integer></dict></plist>");
+  const ToolResult result = runTool({"listen", "--devices", devices, "--json"}, "2026-06-01T18:05:00 x10 A1 4 40%\n");
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.output,
+            "{\"action\":\"Dim \",\"address\":\"A1\",\"device\":\"hall lamp\",\"percent\":40,\"protocol\":\"x10\","
+            "\"sentence\":\"The hall lamp was dimmed by 40%.\",\"time\":\"2026-06-01T18:05:00\"}\n");
+  EXPECT_NE(result.complaints.find("\"Z9\" is not the address"), std::string::npos) << result.complaints;
+  EXPECT_NE(result.complaints.find("\"A2\" is not a text"), std::string::npos) << result.complaints;
+}
+
+TEST(JSON, EscapesWhatAPersonTyped) {
+  const ToolResult result = runTool({"log", "--json", "--action", "On", "a\"b\\c\x01\xFF"});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.output,
+            "{\"action\":\"On  \",\"sentence\":\"The a\\\"b\\\\c\\u0001\xEF\xBF\xBD was turned on.\"}\n");
+}
+
+TEST(StringsCheck, FindsEachKindOfFault) {
+  TemporaryFolder folder;
+  for (const char* table : {"Localizable", "Common", "Conjugations"}) {
+    const std::string name = std::string("/English.lproj/") + table + ".strings";
+    std::ifstream english(SOURCE_FOLDER "/resources" + name);
+    const std::string texts{std::istreambuf_iterator<char>(english), {}};
+    folder.write(name, texts);
+    folder.write(std::string("fr.lproj/") + table + ".strings", texts);
+  }
+  EXPECT_EQ(runTool({"strings", "check", folder.path()}).exitCode, 0);
+
+  folder.write("fr.lproj/Common.strings",
+               "\"keyDaysOfWeek\" = \"DLMMJVS\";\n"
+               "\"keyDaysOfWeek\" = \"dlmmjvs\";\n"
+               "\"keyNoPortSelected\" = \"Aucun port %@\";\n"
+               "\"keyNoPortSelcted\" = \"Aucun port\";\n"
+               "broken\n");
+  folder.write("fr.lproj/Other.strings", "");
+  const ToolResult result = runTool({"strings", "check", folder.path() + "/fr.lproj/"});
+  EXPECT_EQ(result.exitCode, 1);
+  for (const char* fault : {"Common.strings:2: \"keyDaysOfWeek\" is given again; line 1",
+                            "Common.strings:3: \"keyNoPortSelected\" has the slots %1$@",
+                            "Common.strings:4: \"keyNoPortSelcted\" is never asked for",
+                            "Common.strings:5: a key in double quotes is missing",
+                            "Localizable.strings:1: \"keyCurrentLanguage\" is missing; in English it is \"English\"",
+                            "Other.strings:1: no text of this table"}) {
+    EXPECT_NE(result.output.find(fault), std::string::npos) << fault << "\nnot in\n" << result.output;
+  }
+}
+
+}  // namespace
+}  // namespace SharedClasses::tests

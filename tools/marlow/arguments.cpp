@@ -1,0 +1,68 @@
+#include "tools/marlow/arguments.h"
+
+#include <algorithm>
+
+namespace SharedClasses::marlow {
+
+namespace {
+
+constexpr OptionSpecification kCommonOptions[] = {{"--json", false}, {"--help", false}};
+
+const OptionSpecification* specificationOf(std::string_view name, std::span<const OptionSpecification> own) {
+  for (const std::span<const OptionSpecification> list : {own, std::span<const OptionSpecification>(kCommonOptions)}) {
+    const auto found = std::ranges::find(list, name, &OptionSpecification::name);
+    if (found != list.end()) {
+      return &*found;
+    }
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::optional<Arguments> Arguments::parse(std::span<const std::string_view> words,
+                                          std::span<const OptionSpecification> specifications, std::string* error) {
+  Arguments arguments;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    const std::string_view word = words[i];
+    if (word == "--") {
+      arguments.mOperands.insert(arguments.mOperands.end(), words.begin() + static_cast<std::ptrdiff_t>(i) + 1,
+                                 words.end());
+      break;
+    }
+    if (!word.starts_with("--")) {
+      arguments.mOperands.emplace_back(word);
+      continue;
+    }
+    const std::size_t equals = word.find('=');
+    const std::string_view name = word.substr(0, equals);
+    const OptionSpecification* specification = specificationOf(name, specifications);
+    if (specification == nullptr) {
+      *error = "unknown option " + std::string(name);
+      return std::nullopt;
+    }
+    std::string value;
+    if (equals != std::string_view::npos) {
+      value = word.substr(equals + 1);
+      if (!specification->takesValue) {
+        *error = std::string(name) + " takes no value";
+        return std::nullopt;
+      }
+    } else if (specification->takesValue) {
+      if (i + 1 == words.size()) {
+        *error = std::string(name) + " needs a value";
+        return std::nullopt;
+      }
+      value = words[++i];
+    }
+    arguments.mOptions.insert_or_assign(std::string(name), std::move(value));
+  }
+  return arguments;
+}
+
+std::optional<std::string> Arguments::value(std::string_view option) const {
+  const auto found = mOptions.find(option);
+  return found == mOptions.end() ? std::nullopt : std::optional(found->second);
+}
+
+}  // namespace SharedClasses::marlow

@@ -1,0 +1,33 @@
+// What a command of the tool is: a name, what `--help` says of it, and the function that runs it.
+#pragma once
+
+#include <string_view>
+
+#include "tools/marlow/arguments.h"
+
+namespace SharedClasses::marlow {
+
+enum class ExitCode : int {
+  AllWell = 0,
+  BadInput = 1,   // some input was bad; standard error said which
+  CannotRun = 2,  // used wrongly, or a file could not be read
+};
+
+struct Command {
+  std::string_view name;
+  std::string_view summary;                      // one line for the list of commands
+  std::string_view usage;                        // what follows the name
+  std::string_view help;                         // the rest of `--help`: arguments, input, examples
+  std::span<const OptionSpecification> options;  // beside --json and --help, which every command has
+  ExitCode (*run)(const Arguments& arguments);
+};
+
+// The commands, each in a source of its own name.
+extern const Command kActionCommand;
+extern const Command kInsteonCommand;
+extern const Command kListenCommand;
+extern const Command kLogCommand;
+extern const Command kStringsCommand;
+extern const Command kX10Command;
+
+}  // namespace SharedClasses::marlow

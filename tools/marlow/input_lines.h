@@ -1,0 +1,40 @@
+// Lines of a stream, one at a time and each as soon as it is there, and the inputs of a command.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <istream>
+#include <string>
+#include <string_view>
+
+#include "tools/marlow/arguments.h"
+
+namespace SharedClasses::marlow {
+
+// Longer lines are cut here and counted as too long; the rest of such a line is passed over.
+inline constexpr std::size_t kMaximumLineLength = 65536;  // bytes
+
+class InputLines {
+ public:
+  // `stream` must outlive this.
+  explicit InputLines(std::istream& stream) : mStream(stream) {}
+
+  // Reads the next line, without its line break. False at the end of the stream.
+  bool next();
+
+  [[nodiscard]] std::string_view line() const { return mLine; }
+  [[nodiscard]] std::size_t number() const { return mNumber; }  // of the line, from 1
+  [[nodiscard]] bool isTooLong() const { return mIsTooLong; }
+
+ private:
+  std::istream& mStream;
+  std::string mLine;
+  std::size_t mNumber = 0;
+  bool mIsTooLong = false;
+};
+
+// Calls `use` with each operand, or, where there is none or the only one is "-", with each line of standard input that is
+// not blank. False, and nothing called, when there is no operand and standard input is a terminal.
+bool forEachInput(const Arguments& arguments, const std::function<void(std::string_view)>& use);
+
+}  // namespace SharedClasses::marlow

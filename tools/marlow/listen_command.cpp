@@ -1,0 +1,172 @@
+#include <fstream>
+#include <iostream>
+#include <memory>
+
+#include "platform/files.h"
+#include "platform/terminal.h"
+#include "tools/marlow/command.h"
+#include "tools/marlow/device_names.h"
+#include "tools/marlow/input_lines.h"
+#include "tools/marlow/named_device.h"
+#include "tools/marlow/output.h"
+#include "tools/marlow/traffic.h"
+#include "wording/action_phrases.h"
+
+namespace SharedClasses::marlow {
+
+namespace {
+
+using platform::Value;
+
+constexpr OptionSpecification kOptions[] = {{"--devices", true}};
+
+bool isHouseLetter(const TrafficLine& line) {
+  return line.protocol == Protocol::X10 && line.address.size() == 1;
+}
+
+// What the sentence about `line` is about: a house letter for what the whole house heard, else a thing with a name.
+Value deviceOf(const TrafficLine& line, const DeviceNames& names) {
+  if (isHouseLetter(line)) {
+    const bool wholeHouse = actionCodeRow(line.action)->wording == ActionWording::AllDevices;
+    return wholeHouse ? Value(line.address) : Value(std::make_shared<NamedDevice>("house " + line.address));
+  }
+  if (const std::string* name = names.find(line.address)) {
+    return std::make_shared<NamedDevice>(*name);
+  }
+  const std::string kind = line.protocol == Protocol::X10 ? "X10 device " : "INSTEON device ";
+  return std::make_shared<NamedDevice>(kind + line.address);
+}
+
+std::string bytesText(const std::vector<std::uint8_t>& bytes) {
+  std::string text;
+  for (const std::uint8_t byte : bytes) {
+    text += (text.empty() ? "" : " ") + hexText(byte).substr(2);
+  }
+  return text;
+}
+
+std::string sentenceFor(const TrafficLine& line, const DeviceNames& names) {
+  const Value device = deviceOf(line, names);
+  Value::Dictionary parameters;
+  if (!line.bytes.empty()) {
+    parameters.insert_or_assign("extendedBytes", Value(bytesText(line.bytes)));
+  }
+  return Utilities::logStringForDevices(
+      {.devices = {&device, 1}, .actionCode = line.action, .amount = line.percent, .andParameters = &parameters});
+}
+
+void print(const TrafficLine& line, const DeviceNames& names, bool asJSON) {
+  const std::string sentence = sentenceFor(line, names);
+  if (!asJSON) {
+    printLine(line.time.substr(0, 10) + " " + line.time.substr(11) + "  " + sentence);
+    return;
+  }
+  Value::Dictionary fields{{"time", line.time},
+                           {"protocol", line.protocol == Protocol::X10 ? "x10" : "insteon"},
+                           {"address", line.address},
+                           {"action", Utilities::stringFromFourCharCode(line.action)},
+                           {"sentence", sentence}};
+  if (const std::string* name = names.find(line.address)) {
+    fields.insert_or_assign("device", Value(*name));
+  }
+  if (line.percent) {
+    fields.insert_or_assign("percent", Value(*line.percent));
+  }
+  if (!line.bytes.empty()) {
+    fields.insert_or_assign("bytes", Value::List(line.bytes.begin(), line.bytes.end()));
+  }
+  printJSON(std::move(fields));
+}
+
+// Words every line of `stream` as it comes; a growing stream wants each sentence at once. False when a line was bad.
+bool listen(std::istream& stream, bool grows, const std::string& source, const DeviceNames& names, bool asJSON) {
+  bool allGood = true;
+  for (InputLines lines(stream); lines.next();) {
+    if (isTrafficComment(lines.line())) {
+      continue;
+    }
+    std::string error = "the line is longer than " + std::to_string(kMaximumLineLength) + " bytes";
+    std::optional<TrafficLine> parsed;
+    if (!lines.isTooLong()) {
+      parsed = parseTrafficLine(lines.line(), &error);
+    }
+    if (parsed) {
+      print(*parsed, names, asJSON);
+      if (grows) {
+        std::cout.flush();
+      }
+    } else {
+      complain(source + ":" + std::to_string(lines.number()) + ": " + error);
+      allGood = false;
+    }
+    if (!std::cout) {
+      break;  // Nobody reads any more.
+    }
+  }
+  return allGood;
+}
+
+ExitCode run(const Arguments& arguments) {
+  if (arguments.operands().size() > 1) {
+    complain("listen: one file at a time; see marlow listen --help");
+    return ExitCode::CannotRun;
+  }
+  ExitCode code = ExitCode::AllWell;
+  DeviceNames names;
+  if (const auto path = arguments.value("--devices")) {
+    std::vector<std::string> faults;
+    std::string error;
+    std::optional<DeviceNames> loaded = DeviceNames::load(*path, &faults, &error);
+    if (!loaded) {
+      complain(*path + ": " + error);
+      return ExitCode::CannotRun;
+    }
+    for (const std::string& fault : faults) {
+      complain(*path + ":" + fault);
+      code = ExitCode::BadInput;
+    }
+    names = *std::move(loaded);
+  }
+  const std::string source = arguments.operands().empty() ? "-" : arguments.operands().front();
+  bool allGood = false;
+  if (source == "-") {
+    if (arguments.operands().empty() && platform::isTerminal(platform::StandardStream::Input)) {
+      complain("listen: type traffic lines, end with Ctrl-D; see marlow listen --help");
+    }
+    allGood = listen(std::cin, true, "standard input", names, arguments.wantsJSON());
+  } else {
+    std::ifstream file(source, std::ios::binary);
+    if (!file || platform::isFolder(source)) {
+      complain(source + ": the file cannot be read");
+      return ExitCode::CannotRun;
+    }
+    allGood = listen(file, false, source, names, arguments.wantsJSON());
+  }
+  return allGood ? code : ExitCode::BadInput;
+}
+
+}  // namespace
+
+const Command kListenCommand = {
+    .name = "listen",
+    .summary = "turn recorded power-line traffic into the log that a home owner reads",
+    .usage = "[--devices FILE] [--json] [FILE]",
+    .help =
+        "Reads one heard command a line from FILE or standard input and prints a dated sentence for each at once:\n"
+        "  2026-06-01T18:05:00 x10 A1 2               X10 address, function 0 to 15\n"
+        "  2026-06-01T18:05:04 x10 A1 4 40%           dim (4) and brighten (5) with a percentage\n"
+        "  2026-06-01T18:06:30 x10 B 1                a whole house: functions 0, 1, 6\n"
+        "  2026-06-01T18:07:12 x10 A4 7 0x31 0x64     extended commands (7, 12) with their bytes\n"
+        "  2026-06-01T18:09:55 insteon 1A.2B.3C 0x11  INSTEON address, command byte\n"
+        "Blank lines and lines that begin with # are passed over. A bad line is reported with its number on standard\n"
+        "error; the rest is read, and the exit code is 1.\n"
+        "  --devices FILE  names of addresses: lines such as \"A1 hall lamp\", or an XML property list, a dictionary\n"
+        "                  of names by address\n"
+        "\n"
+        "  marlow listen --devices examples/devices.txt examples/recorded_day.txt\n"
+        "  tail -f traffic.txt | marlow listen\n",
+    .options = kOptions,
+    .run = run,
+};
+
+}  // namespace SharedClasses::marlow

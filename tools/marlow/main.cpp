@@ -1,0 +1,96 @@
+#include <algorithm>
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <vector>
+
+#include "platform/library_version.h"
+#include "platform/log.h"
+#include "tools/marlow/command.h"
+#include "tools/marlow/output.h"
+
+namespace SharedClasses::marlow {
+
+namespace {
+
+// In the order in which `--help` lists them.
+constexpr const Command* kCommands[] = {&kListenCommand,  &kLogCommand,    &kX10Command,
+                                        &kInsteonCommand, &kActionCommand, &kStringsCommand};
+
+// A person at the command line reads standard error, not the system's log.
+class ComplainingLog : public platform::LogSink {
+ public:
+  void write(std::string_view message) override { complain(message); }
+};
+
+void printHelp(std::ostream& stream) {
+  stream << "marlow: the home-automation library at the command line\n\nmarlow COMMAND [ARGUMENT…]\n\n";
+  for (const Command* command : kCommands) {
+    std::string name(command->name);
+    name.resize(10, ' ');
+    stream << "  " << name << command->summary << '\n';
+  }
+  stream << "\nmarlow COMMAND --help says more. Every command takes --json, which prints one JSON object a line.\n"
+            "Exit codes: 0 all well; 1 some input was bad; 2 the command was used wrongly or could not run.\n"
+            "Texts are in the language of LANGUAGE, LC_ALL, LC_MESSAGES or LANG; MARLOW_RESOURCES names another\n"
+            "folder of resources.\n";
+}
+
+void printHelp(const Command& command) {
+  std::cout << "marlow " << command.name << ": " << command.summary << "\n\nmarlow " << command.name << ' '
+            << command.usage << "\n\n"
+            << command.help;
+}
+
+ExitCode run(std::span<const std::string_view> words) {
+  platform::setLogSink(std::make_shared<ComplainingLog>());
+  if (words.empty()) {
+    printHelp(std::cerr);
+    return ExitCode::CannotRun;
+  }
+  if (words[0] == "--help" || words[0] == "-h" || words[0] == "help") {
+    printHelp(std::cout);
+    return ExitCode::AllWell;
+  }
+  if (words[0] == "--version") {
+    printLine("marlow " + std::string(platform::libraryVersion()));
+    return ExitCode::AllWell;
+  }
+  const auto found = std::ranges::find(kCommands, words[0], [](const Command* command) { return command->name; });
+  if (found == std::end(kCommands)) {
+    complain("there is no command " + quoted(words[0]) + "; marlow --help lists them");
+    return ExitCode::CannotRun;
+  }
+  const Command& command = **found;
+  std::string error;
+  const std::optional<Arguments> arguments = Arguments::parse(words.subspan(1), command.options, &error);
+  if (!arguments) {
+    complain(std::string(command.name) + ": " + error + "; see marlow " + std::string(command.name) + " --help");
+    return ExitCode::CannotRun;
+  }
+  if (arguments->has("--help")) {
+    printHelp(command);
+    return ExitCode::AllWell;
+  }
+  return command.run(*arguments);
+}
+
+}  // namespace
+
+}  // namespace SharedClasses::marlow
+
+int main(int count, char** words) {
+  using SharedClasses::marlow::ExitCode;
+  ExitCode code = ExitCode::CannotRun;
+  try {
+    std::ios::sync_with_stdio(false);
+    const std::vector<std::string_view> arguments(words + std::min(count, 1), words + count);
+    code = SharedClasses::marlow::run(arguments);
+    if (!SharedClasses::marlow::outputSucceeded()) {
+      code = ExitCode::CannotRun;
+    }
+  } catch (const std::exception& exception) {  // out of memory and the like
+    std::cerr << "marlow: " << exception.what() << '\n';
+  }
+  return static_cast<int>(code);
+}
