@@ -209,6 +209,10 @@ const std::vector<Bundle::NamedTable>& Bundle::loadedTables() const {
   Complaints complaints;
   std::call_once(mTablesLoaded, [&] {
     if (mPreferredLocalizations.empty()) {
+      complaints.push_back(
+          filledFormat("%@: no texts in a language of the user nor in English; let MARLOW_RESOURCES name a "
+                       "folder that holds English.lproj, or the program set its main bundle",
+                       {mFolder}));
       return;
     }
     const std::string folder =

@@ -172,6 +172,7 @@ std::string clauseOf(const DeviceList& list, std::string_view article, std::stri
     if (!article.empty() && list.someNamedThemselves) {
       clause += " " + platform::lowercased(article);
     }
+    // Kept: the blank is there without names too: "Turn on .".
     return clause + " " + list.names;
   }
   if (!article.empty()) {

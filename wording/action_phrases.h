@@ -1,5 +1,5 @@
 // The sentences of the log: an article, the devices, the verb, and for dimming a preposition and a percentage.
-// "The hall lamp and the porch lights were dimmed by 40%." Every word comes from the string tables of the main bundle.
+// "The hall lamp and porch lights were dimmed by 40%." Every word comes from the string tables of the main bundle.
 // Stateless; safe on any thread.
 #pragma once
 
@@ -64,6 +64,7 @@ struct LogStringArguments {
 // `logStringForDevices:actionCode:usingTense:preposition:amount:andParameters:`
 // The finished sentence, ending in ".". Devices stand in the order given, each once: texts are the same by content, objects
 // by identity. Words that the tables lack are left out where they would stand. Names that are not UTF-8 are repaired.
+// Kept: in the progressive and the imperative tense a blank follows the verb even without devices: "Turning on ."
 [[nodiscard]] std::string logStringForDevices(const LogStringArguments& arguments);
 
 }  // namespace SharedClasses::Utilities

@@ -17,13 +17,26 @@ Value cell(std::uint8_t number) {
   return number == kNotInColumn ? Value() : Value(number);
 }
 
+// How the log words a code: by conjugation, or by a phrase under this key.
+std::string wordingText(const ActionCodeRow& row) {
+  switch (row.wording) {
+    case ActionWording::Conjugated:
+      return "conjugated";
+    case ActionWording::AllDevices:
+      return "conjugated, all devices";
+    case ActionWording::FixedPhrase:
+      break;
+  }
+  return std::string(row.phraseKey);
+}
+
 std::string padded(std::string text, std::size_t width) {
   text.resize(std::max(text.size(), width), ' ');
   return text + "  ";
 }
 
 void printHeading() {
-  printLine("code  value       X10  compact  INSTEON sent  heard       wording");
+  printLine("code  value       X10  compact  INSTEON sent  heard       wording                            in the past");
 }
 
 void print(const ActionCodeRow& row, bool asJSON) {
@@ -36,15 +49,17 @@ void print(const ActionCodeRow& row, bool asJSON) {
         heard.emplace_back(byte);
       }
     }
-    printJSON(Value::Dictionary{{"code", code},
-                                {"value", row.code},
-                                {"x10Function", cell(row.x10Function)},
-                                {"compactNumber", cell(row.compactNumber)},
-                                {"insteonCommand", cell(row.insteonCommand)},
-                                {"insteonHeard", std::move(heard)},
-                                {"conjugated", row.wording != ActionWording::FixedPhrase},
-                                {"allDevices", row.wording == ActionWording::AllDevices},
-                                {"phrase", phrase}});
+    printJSON(
+        Value::Dictionary{{"code", code},
+                          {"value", row.code},
+                          {"x10Function", cell(row.x10Function)},
+                          {"compactNumber", cell(row.compactNumber)},
+                          {"insteonCommand", cell(row.insteonCommand)},
+                          {"insteonHeard", std::move(heard)},
+                          {"conjugated", row.wording != ActionWording::FixedPhrase},
+                          {"allDevices", row.wording == ActionWording::AllDevices},
+                          {"phraseKey", row.wording == ActionWording::FixedPhrase ? Value(row.phraseKey) : Value()},
+                          {"phrase", phrase}});
     return;
   }
   const auto decimal = [](std::uint8_t number) { return number == kNotInColumn ? "-" : std::to_string(number); };
@@ -52,34 +67,43 @@ void print(const ActionCodeRow& row, bool asJSON) {
   const std::string heard =
       hex(row.insteonHeard) + (row.insteonHeardFast == kNotInColumn ? "" : " " + hex(row.insteonHeardFast));
   printLine(padded(code, 4) + padded(hexText(row.code, 8), 10) + padded(decimal(row.x10Function), 3) +
-            padded(decimal(row.compactNumber), 7) + padded(hex(row.insteonCommand), 12) + padded(heard, 10) + phrase);
+            padded(decimal(row.compactNumber), 7) + padded(hex(row.insteonCommand), 12) + padded(heard, 10) +
+            padded(wordingText(row), 33) + phrase);
+}
+
+// Prints the row of the code that `input` names, below the heading if it is the first.
+bool describe(std::string_view input, bool asJSON, bool& headingPrinted) {
+  const ActionCodeRow* row = actionCodeRow(actionCodeFromInput(input));
+  if (row == nullptr) {
+    const std::string fault = "not an action code; marlow action lists them all";
+    if (asJSON) {
+      printJSON(Value::Dictionary{{"input", input}, {"error", fault}});
+    }
+    complain(quoted(input) + ": " + fault);
+    return false;
+  }
+  if (!asJSON && !headingPrinted) {
+    printHeading();
+    headingPrinted = true;
+  }
+  print(*row, asJSON);
+  return true;
 }
 
 ExitCode run(const Arguments& arguments) {
   const bool asJSON = arguments.wantsJSON();
+  if (!arguments.operands().empty()) {
+    bool headingPrinted = false;
+    return forEachInput("action", arguments,
+                        [&](std::string_view input) { return describe(input, asJSON, headingPrinted); });
+  }
   if (!asJSON) {
     printHeading();
   }
-  if (arguments.operands().empty()) {
-    for (const ActionCodeRow& row : actionCodeTable()) {
-      print(row, asJSON);
-    }
-    return ExitCode::AllWell;
+  for (const ActionCodeRow& row : actionCodeTable()) {
+    print(row, asJSON);
   }
-  ExitCode code = ExitCode::AllWell;
-  forEachInput(arguments, [&](std::string_view text) {
-    if (const ActionCodeRow* row = actionCodeRow(actionCodeFromInput(text))) {
-      print(*row, asJSON);
-      return;
-    }
-    const std::string fault = "not an action code; marlow action lists them all";
-    if (asJSON) {
-      printJSON(Value::Dictionary{{"input", text}, {"error", fault}});
-    }
-    complain(quoted(text) + ": " + fault);
-    code = ExitCode::BadInput;
-  });
-  return code;
+  return ExitCode::AllWell;
 }
 
 }  // namespace
@@ -95,6 +119,7 @@ const Command kActionCommand = {
         "\n"
         "  marlow action On \"Dim \" 0x5374613F\n",
     .options = {},
+    .wordsThings = false,
     .run = run,
 };
 

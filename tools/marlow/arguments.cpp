@@ -30,7 +30,11 @@ std::optional<Arguments> Arguments::parse(std::span<const std::string_view> word
                                  words.end());
       break;
     }
-    if (!word.starts_with("--")) {
+    if (word == "-h") {
+      arguments.mOptions.emplace("--help", "");
+      continue;
+    }
+    if (!word.starts_with('-') || word == "-") {
       arguments.mOperands.emplace_back(word);
       continue;
     }

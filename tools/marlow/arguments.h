@@ -17,7 +17,7 @@ struct OptionSpecification {
 
 class Arguments {
  public:
-  // Takes `words` apart by `specifications`, to which --json and --help are added. "--" ends the options; "--name=value" and
+  // Takes `words` apart by `specifications`, to which --json and --help are added. "-h" is --help, "--" ends the options; "--name=value" and
   // "--name value" are the same. Absent when a word is no option of the command or a value is missing; `*error` says which.
   [[nodiscard]] static std::optional<Arguments> parse(std::span<const std::string_view> words,
                                                       std::span<const OptionSpecification> specifications,

@@ -19,6 +19,7 @@ struct Command {
   std::string_view usage;                        // what follows the name
   std::string_view help;                         // the rest of `--help`: arguments, input, examples
   std::span<const OptionSpecification> options;  // beside --json and --help, which every command has
+  bool wordsThings;                              // useless without the texts of the main bundle
   ExitCode (*run)(const Arguments& arguments);
 };
 

@@ -3,8 +3,7 @@
 #include "platform/files.h"
 #include "platform/property_list.h"
 #include "platform/text.h"
-#include "protocols/insteon/insteon_addresses.h"
-#include "protocols/x10/x10_addresses.h"
+#include "tools/marlow/device_addresses.h"
 #include "tools/marlow/output.h"
 
 namespace SharedClasses::marlow {
@@ -12,16 +11,11 @@ namespace SharedClasses::marlow {
 namespace {
 
 constexpr std::size_t kMaximumFileSize = std::size_t{16} << 20;  // bytes
-constexpr std::size_t kCanonicalINSTEONLength = 8;
 
 // The normal form of an X10 unit's or an INSTEON device's address; absent for anything else.
 std::optional<std::string> normalizedAddress(std::string_view address) {
-  std::optional<std::string> x10 = X10Utilities::normalizedX10Address(address);
-  if (x10 && X10Utilities::houseOfAddress(*x10) != 0 && X10Utilities::unitOfAddress(*x10) != 0) {
-    return x10;
-  }
-  std::optional<std::string> insteon = Utilities::normalizedINSTEONAddress(address);
-  return insteon && insteon->size() == kCanonicalINSTEONLength ? insteon : std::nullopt;
+  std::optional<std::string> x10 = x10Address(address);
+  return x10 && x10->size() > 1 ? x10 : insteonAddress(address);
 }
 
 }  // namespace
@@ -29,11 +23,11 @@ std::optional<std::string> normalizedAddress(std::string_view address) {
 DeviceNames DeviceNames::parse(std::string_view bytes, std::vector<std::string>* faults) {
   DeviceNames names;
   std::vector<std::string> found;
-  const std::string_view text = platform::trimmed(bytes.substr(bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0));
-  if (text.starts_with("<")) {
-    names.parsePropertyList(bytes, found);
+  const std::string_view text = bytes.substr(bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0);
+  if (platform::trimmed(text).starts_with("<")) {
+    names.parsePropertyList(text, found);
   } else {
-    names.parsePlain(bytes, found);
+    names.parsePlain(text, found);
   }
   if (faults != nullptr) {
     *faults = std::move(found);
@@ -87,7 +81,7 @@ void DeviceNames::parsePropertyList(std::string_view bytes, std::vector<std::str
     const std::string fault =
         name.text() == nullptr ? "the name of " + quoted(address) + " is not a text" : add(address, *name.text());
     if (!fault.empty()) {
-      faults.push_back(fault);
+      faults.push_back(" " + fault);
     }
   }
 }

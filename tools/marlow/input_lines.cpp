@@ -4,54 +4,75 @@
 
 #include "platform/terminal.h"
 #include "platform/text.h"
+#include "tools/marlow/output.h"
 
 namespace SharedClasses::marlow {
 
+std::string lineTooLongText() {
+  return "the line is longer than " + std::to_string(kMaximumLineLength) + " bytes";
+}
+
 bool InputLines::next() {
-  mLine.clear();
-  mIsTooLong = false;
-  std::streambuf* const buffer = mStream.rdbuf();
-  for (int byte = buffer->sbumpc();; byte = buffer->sbumpc()) {
-    if (byte == std::istream::traits_type::eof()) {
-      if (mLine.empty()) {
-        return false;
-      }
-      break;  // The last line may lack its line break.
-    }
-    if (byte == '\n') {
-      break;
-    }
-    if (mLine.size() == kMaximumLineLength) {
-      mIsTooLong = true;
-      continue;
-    }
-    mLine += static_cast<char>(byte);
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (!readLine()) {
+    return false;
+  }
+  if (++mNumber == 1 && mLine.starts_with(kByteOrderMark)) {
+    mLine.erase(0, kByteOrderMark.size());
   }
   if (mLine.ends_with('\r')) {
     mLine.pop_back();
   }
-  ++mNumber;
   return true;
 }
 
-bool forEachInput(const Arguments& arguments, const std::function<void(std::string_view)>& use) {
+bool InputLines::readLine() {
+  mLine.clear();
+  mIsTooLong = false;
+  std::streambuf* const buffer = mStream.rdbuf();
+  try {
+    for (int byte = buffer->sbumpc(); byte != '\n'; byte = buffer->sbumpc()) {
+      if (byte == std::istream::traits_type::eof()) {
+        return !mLine.empty();  // The last line may lack its line break.
+      }
+      if (mLine.size() == kMaximumLineLength) {
+        mIsTooLong = true;
+      } else {
+        mLine += static_cast<char>(byte);
+      }
+    }
+  } catch (const std::ios_base::failure& failure) {
+    complain("the input cannot be read: " + failure.code().message());
+    return false;
+  }
+  return true;
+}
+
+ExitCode forEachInput(std::string_view command, const Arguments& arguments,
+                      const std::function<bool(std::string_view)>& use) {
   const std::vector<std::string>& operands = arguments.operands();
+  ExitCode code = ExitCode::AllWell;
   const bool readsInput = operands.empty() || (operands.size() == 1 && operands[0] == "-");
   if (!readsInput) {
     for (const std::string& operand : operands) {
-      use(operand);
+      code = use(operand) ? code : ExitCode::BadInput;
     }
-    return true;
+    return code;
   }
   if (operands.empty() && platform::isTerminal(platform::StandardStream::Input)) {
-    return false;
+    complain(std::string(command) + ": nothing to read; see marlow " + std::string(command) + " --help");
+    return ExitCode::CannotRun;
   }
-  for (InputLines lines(std::cin); lines.next();) {
-    if (!platform::trimmed(lines.line()).empty()) {
-      use(lines.line());
+  // Ends also where nobody reads any more.
+  for (InputLines lines(std::cin); std::cout && lines.next(); std::cout.flush()) {
+    if (lines.isTooLong()) {
+      complain("standard input:" + std::to_string(lines.number()) + ": " + lineTooLongText());
+      code = ExitCode::BadInput;
+    } else if (!platform::trimmed(lines.line()).empty()) {
+      code = use(lines.line()) ? code : ExitCode::BadInput;
     }
   }
-  return true;
+  return code;
 }
 
 }  // namespace SharedClasses::marlow

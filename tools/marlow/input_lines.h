@@ -7,19 +7,23 @@
 #include <string>
 #include <string_view>
 
-#include "tools/marlow/arguments.h"
+#include "tools/marlow/command.h"
 
 namespace SharedClasses::marlow {
 
 // Longer lines are cut here and counted as too long; the rest of such a line is passed over.
 inline constexpr std::size_t kMaximumLineLength = 65536;  // bytes
 
+// What is said of a line that is too long.
+[[nodiscard]] std::string lineTooLongText();
+
 class InputLines {
  public:
   // `stream` must outlive this.
   explicit InputLines(std::istream& stream) : mStream(stream) {}
 
-  // Reads the next line, without its line break. False at the end of the stream.
+  // Reads the next line, without its line break and, in front of the first, a byte-order mark. False at the end of the
+  // stream, and, with a complaint, where the stream cannot be read.
   bool next();
 
   [[nodiscard]] std::string_view line() const { return mLine; }
@@ -27,6 +31,8 @@ class InputLines {
   [[nodiscard]] bool isTooLong() const { return mIsTooLong; }
 
  private:
+  bool readLine();
+
   std::istream& mStream;
   std::string mLine;
   std::size_t mNumber = 0;
@@ -34,7 +40,9 @@ class InputLines {
 };
 
 // Calls `use` with each operand, or, where there is none or the only one is "-", with each line of standard input that is
-// not blank. False, and nothing called, when there is no operand and standard input is a terminal.
-bool forEachInput(const Arguments& arguments, const std::function<void(std::string_view)>& use);
+// not blank, and lets what it printed out before the next line. `use` says whether the input was good. Complains and cannot
+// run where there is no operand and standard input is a terminal.
+[[nodiscard]] ExitCode forEachInput(std::string_view command, const Arguments& arguments,
+                                    const std::function<bool(std::string_view)>& use);
 
 }  // namespace SharedClasses::marlow

@@ -39,7 +39,10 @@ bool describe(std::string_view address, bool asJSON) {
   }
   const std::uint32_t value = Utilities::intWithINSTEONAddress(address);
   if (asJSON) {
-    printJSON(Value::Dictionary{{"input", address}, {"address", *normalized}, {"value", value}});
+    printJSON(Value::Dictionary{{"input", address},
+                                {"address", *normalized},
+                                {"groups", Value::List{value >> 16, value >> 8 & 0xFF, value & 0xFF}},
+                                {"value", value}});
   } else {
     printLine(*normalized + ": groups " + std::to_string(value >> 16) + ", " + std::to_string(value >> 8 & 0xFF) +
               ", " + std::to_string(value & 0xFF) + ", value " + std::to_string(value) + " (" + hexText(value, 6) +
@@ -49,17 +52,8 @@ bool describe(std::string_view address, bool asJSON) {
 }
 
 ExitCode run(const Arguments& arguments) {
-  ExitCode code = ExitCode::AllWell;
-  const bool hadInput = forEachInput(arguments, [&](std::string_view address) {
-    if (!describe(address, arguments.wantsJSON())) {
-      code = ExitCode::BadInput;
-    }
-  });
-  if (!hadInput) {
-    complain("insteon: no address given; see marlow insteon --help");
-    return ExitCode::CannotRun;
-  }
-  return code;
+  return forEachInput("insteon", arguments,
+                      [&](std::string_view address) { return describe(address, arguments.wantsJSON()); });
 }
 
 }  // namespace
@@ -75,6 +69,7 @@ const Command kInsteonCommand = {
         "\n"
         "  marlow insteon 1a:2b:3c 0A0B0C\n",
     .options = {},
+    .wordsThings = false,
     .run = run,
 };
 

@@ -1,6 +1,8 @@
+#include <cerrno>
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <system_error>
 
 #include "platform/files.h"
 #include "platform/terminal.h"
@@ -28,7 +30,7 @@ bool isHouseLetter(const TrafficLine& line) {
 Value deviceOf(const TrafficLine& line, const DeviceNames& names) {
   if (isHouseLetter(line)) {
     const bool wholeHouse = actionCodeRow(line.action)->wording == ActionWording::AllDevices;
-    return wholeHouse ? Value(line.address) : Value(std::make_shared<NamedDevice>("house " + line.address));
+    return wholeHouse ? Value(line.address) : Value(std::make_shared<NamedDevice>("X10 house " + line.address));
   }
   if (const std::string* name = names.find(line.address)) {
     return std::make_shared<NamedDevice>(*name);
@@ -78,27 +80,28 @@ void print(const TrafficLine& line, const DeviceNames& names, bool asJSON) {
   printJSON(std::move(fields));
 }
 
-// Words every line of `stream` as it comes; a growing stream wants each sentence at once. False when a line was bad.
-bool listen(std::istream& stream, bool grows, const std::string& source, const DeviceNames& names, bool asJSON) {
+// Words every line of `stream` as it comes, each at once: a stream may grow. False when a line was bad.
+bool listen(std::istream& stream, const std::string& source, const DeviceNames& names, bool asJSON) {
   bool allGood = true;
   for (InputLines lines(stream); lines.next();) {
     if (isTrafficComment(lines.line())) {
       continue;
     }
-    std::string error = "the line is longer than " + std::to_string(kMaximumLineLength) + " bytes";
+    std::string error = lineTooLongText();
     std::optional<TrafficLine> parsed;
     if (!lines.isTooLong()) {
       parsed = parseTrafficLine(lines.line(), &error);
     }
     if (parsed) {
       print(*parsed, names, asJSON);
-      if (grows) {
-        std::cout.flush();
-      }
     } else {
+      if (asJSON) {
+        printJSON(Value::Dictionary{{"line", lines.number()}, {"error", error}});
+      }
       complain(source + ":" + std::to_string(lines.number()) + ": " + error);
       allGood = false;
     }
+    std::cout.flush();
     if (!std::cout) {
       break;  // Nobody reads any more.
     }
@@ -133,14 +136,15 @@ ExitCode run(const Arguments& arguments) {
     if (arguments.operands().empty() && platform::isTerminal(platform::StandardStream::Input)) {
       complain("listen: type traffic lines, end with Ctrl-D; see marlow listen --help");
     }
-    allGood = listen(std::cin, true, "standard input", names, arguments.wantsJSON());
+    allGood = listen(std::cin, "standard input", names, arguments.wantsJSON());
   } else {
     std::ifstream file(source, std::ios::binary);
     if (!file || platform::isFolder(source)) {
-      complain(source + ": the file cannot be read");
+      const int reason = file ? EISDIR : errno;
+      complain(source + ": the file cannot be read: " + std::generic_category().message(reason));
       return ExitCode::CannotRun;
     }
-    allGood = listen(file, false, source, names, arguments.wantsJSON());
+    allGood = listen(file, source, names, arguments.wantsJSON());
   }
   return allGood ? code : ExitCode::BadInput;
 }
@@ -166,6 +170,7 @@ const Command kListenCommand = {
         "  marlow listen --devices examples/devices.txt examples/recorded_day.txt\n"
         "  tail -f traffic.txt | marlow listen\n",
     .options = kOptions,
+    .wordsThings = true,
     .run = run,
 };
 

@@ -1,9 +1,9 @@
 #include <charconv>
 #include <memory>
 
-#include "platform/text.h"
 #include "tools/marlow/action_input.h"
 #include "tools/marlow/command.h"
+#include "tools/marlow/device_addresses.h"
 #include "tools/marlow/named_device.h"
 #include "tools/marlow/output.h"
 #include "wording/action_phrases.h"
@@ -57,10 +57,11 @@ bool readAmount(const Arguments& arguments, std::optional<double>& amount) {
     return true;
   }
   double number = 0;
-  const char* const end = text->data() + text->size();
+  const char* const end = text->data() + text->size() - (text->ends_with('%') ? 1 : 0);
   const auto [rest, error] = std::from_chars(text->data(), end, number);
-  if (error != std::errc() || rest != end) {
-    complain("log: --amount " + quoted(*text) + " is not a number");
+  // Written so that what is not a number fails too.
+  if (error != std::errc() || rest != end || !(number >= 0 && number <= 100)) {
+    complain("log: --amount " + quoted(*text) + " is not a number from 0 to 100");
     return false;
   }
   amount = number;
@@ -70,7 +71,8 @@ bool readAmount(const Arguments& arguments, std::optional<double>& amount) {
 ExitCode run(const Arguments& arguments) {
   const std::string typed = arguments.value("--action").value_or("");
   const ActionCode code = actionCodeFromInput(typed);
-  if (code == kNoAction) {
+  const ActionCodeRow* const row = actionCodeRow(code);
+  if (row == nullptr) {
     complain(typed.empty() ? "log: --action CODE is missing; marlow action lists the codes"
                            : "log: --action " + quoted(typed) + " is not an action code; marlow action lists them");
     return ExitCode::CannotRun;
@@ -86,11 +88,16 @@ ExitCode run(const Arguments& arguments) {
     devices.emplace_back(std::make_shared<NamedDevice>(name));
   }
   if (const auto house = arguments.value("--house")) {
-    if (platform::codePointCount(*house) != 1) {
-      complain("log: --house " + quoted(*house) + " is not one letter");
+    const std::optional<std::string> letter = x10Address(*house);
+    if (!letter || letter->size() != 1) {
+      complain("log: --house " + quoted(*house) + " is not a letter A to P");
       return ExitCode::CannotRun;
     }
-    devices.emplace_back(*house);
+    if (row->wording != ActionWording::AllDevices) {
+      complain("log: --house goes with the actions AOff, All+ and All- alone");
+      return ExitCode::CannotRun;
+    }
+    devices.emplace_back(*letter);
   }
   Value::Dictionary parameters;
   if (auto bytes = arguments.value("--bytes")) {
@@ -123,13 +130,14 @@ const Command kLogCommand = {
         "  --action CODE       what happens, such as On or \"Dim \"; marlow action lists the codes\n"
         "  --tense TENSE       past (as it is without), present, progressive, future, imperative\n"
         "  --amount N          percent for Dim, Brit, DmTo, BrTo; level 0 to 100 for Stat\n"
-        "  --preposition WORD  by, to, none, automatic (as it is without)\n"
-        "  --house LETTER      all units of a house, beside the devices\n"
+        "  --preposition WORD  by, to, none (which reads as to), automatic (as it is without)\n"
+        "  --house LETTER      all units of a house A to P; for AOff, All+ and All-\n"
         "  --bytes TEXT        the data of an extended command\n"
         "\n"
         "  marlow log --action Dim --amount 40 \"hall lamp\" \"porch lights\"\n"
         "  marlow log --action All+ --tense imperative --house B\n",
     .options = kOptions,
+    .wordsThings = true,
     .run = run,
 };
 

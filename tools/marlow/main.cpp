@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/bundle.h"
 #include "platform/library_version.h"
 #include "platform/log.h"
 #include "tools/marlow/command.h"
@@ -71,6 +72,12 @@ ExitCode run(std::span<const std::string_view> words) {
   if (arguments->has("--help")) {
     printHelp(command);
     return ExitCode::AllWell;
+  }
+  if (const platform::Bundle& bundle = platform::Bundle::main();
+      command.wordsThings && bundle.preferredLocalizations().empty()) {
+    complain(std::string(command.name) + ": " + quoted(bundle.resourceFolder()) +
+             " holds no texts; let MARLOW_RESOURCES name a folder that holds English.lproj");
+    return ExitCode::CannotRun;
   }
   return command.run(*arguments);
 }

@@ -64,6 +64,8 @@ class Localization {
     return nullptr;
   }
 
+  [[nodiscard]] std::string folderName() const { return mFolder.substr(mFolder.rfind('/') + 1); }
+
   [[nodiscard]] std::string pathOfTable(const std::string& table) const {
     return mFolder + "/" + table + std::string(kTableSuffix);
   }
@@ -95,6 +97,7 @@ struct KnownKeys {
   std::set<std::string, std::less<>> tables;
   std::set<std::pair<std::string, std::string>> keys;  // table and key
   std::set<std::string, std::less<>> keysOfAnyTable;
+  std::set<std::string, std::less<>> required;
   std::vector<Utilities::StringKey> all = Utilities::allStringKeys();
 
   KnownKeys() {
@@ -103,6 +106,9 @@ struct KnownKeys {
       tables.insert(key.table);
       keys.emplace(key.table, key.key);
       keysOfAnyTable.insert(key.key);
+      if (key.required) {
+        required.insert(key.key);
+      }
     }
   }
 
@@ -135,6 +141,7 @@ class Checker {
       }
       checkEntries(name, file);
     }
+    checkOwnName();
     for (const Utilities::StringKey& key : mKnown.all) {
       if (key.required && mChecked.find(key.table, key.key) == nullptr) {
         reportMissing(key);
@@ -157,6 +164,37 @@ class Checker {
             {file.path, entry.line, quoted(entry.key) + " is never asked for in this table; check its spelling"});
       }
       checkSlots(table, file, entry);
+    }
+    for (const auto& [key, entry] : file.byKey) {
+      checkText(file, *entry);
+    }
+  }
+
+  // The library takes a text that equals its key for a missing one, and leaves an empty one out of its sentence.
+  void checkText(const TableFile& file, const platform::StringEntry& entry) {
+    if (entry.text == entry.key) {
+      mFaults.push_back({file.path, entry.line, quoted(entry.key) + " has its own key for a text; write a text"});
+    } else if (entry.text.empty() && mKnown.required.contains(entry.key)) {
+      mFaults.push_back({file.path, entry.line, quoted(entry.key) + " is empty; write a text"});
+    }
+  }
+
+  // "keyCurrentLanguage" names the folder in which the sounds of the language are looked for.
+  void checkOwnName() {
+    std::string path;
+    const platform::StringEntry* entry =
+        mChecked.find(std::string(platform::kDefaultTable), "keyCurrentLanguage", &path);
+    if (entry == nullptr) {
+      return;  // reported as missing
+    }
+    std::string folder = entry->text;
+    if (!folder.ends_with(platform::kLocalizationSuffix)) {
+      folder += platform::kLocalizationSuffix;
+    }
+    if (folder != mChecked.folderName()) {
+      mFaults.push_back(
+          {path, entry->line,
+           quoted(entry->key) + " is " + quoted(entry->text) + " but the folder is " + quoted(mChecked.folderName())});
     }
   }
 
@@ -228,6 +266,8 @@ StringsReport checkStrings(const std::string& folder) {
   std::optional<Localization> english;
   if (englishPath) {
     english.emplace(*englishPath, nullptr);
+  } else if (!checkedFolders.empty()) {
+    report.faults.push_back({root, 1, "no English texts to compare the slots with; put English.lproj here"});
   }
   for (const std::string& checkedFolder : checkedFolders) {
     const Localization checked(checkedFolder, &report.faults);

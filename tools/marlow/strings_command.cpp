@@ -14,7 +14,9 @@ ExitCode run(const Arguments& arguments) {
   }
   const StringsReport report = checkStrings(operands[1]);
   if (report.localizations == 0) {
-    complain(operands[1] + ": no folder of texts here; give a folder such as fr.lproj, or one that holds such folders");
+    complain(
+        operands[1] +
+        ": no folder of texts here; give the path of a folder such as fr.lproj, or of one that holds such folders");
     return ExitCode::CannotRun;
   }
   for (const StringsFault& fault : report.faults) {
@@ -26,7 +28,8 @@ ExitCode run(const Arguments& arguments) {
   }
   if (!arguments.wantsJSON()) {
     printLine(std::to_string(report.texts) + " texts in " + std::to_string(report.localizations) +
-              " language(s): " + std::to_string(report.faults.size()) + " fault(s)");
+              (report.localizations == 1 ? " language: " : " languages: ") + std::to_string(report.faults.size()) +
+              (report.faults.size() == 1 ? " fault" : " faults"));
   }
   return report.faults.empty() ? ExitCode::AllWell : ExitCode::BadInput;
 }
@@ -46,6 +49,7 @@ const Command kStringsCommand = {
         "  marlow strings check resources\n"
         "  marlow strings check resources/fr.lproj\n",
     .options = {},
+    .wordsThings = false,
     .run = run,
 };
 

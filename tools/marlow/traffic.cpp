@@ -4,18 +4,15 @@
 #include <chrono>
 
 #include "platform/text.h"
-#include "protocols/insteon/insteon_addresses.h"
 #include "protocols/insteon/insteon_commands.h"
 #include "protocols/x10/x10_actions.h"
-#include "protocols/x10/x10_addresses.h"
+#include "tools/marlow/device_addresses.h"
 #include "tools/marlow/output.h"
 
 namespace SharedClasses::marlow {
 
 namespace {
 
-constexpr std::size_t kCanonicalINSTEONLength = 8;
-constexpr std::size_t kMaximumFields = 24;
 constexpr std::uint32_t kLastX10Function = 15;
 
 // Which X10 functions speak to a whole house, and what may follow the function.
@@ -29,8 +26,7 @@ constexpr ActionCode kHailAcknowledge = fourCharCode("HAck");
 std::vector<std::string_view> fieldsOf(std::string_view line) {
   std::vector<std::string_view> fields;
   constexpr std::string_view kBlanks = " \t\r";
-  for (std::size_t start = line.find_first_not_of(kBlanks);
-       start != std::string_view::npos && fields.size() < kMaximumFields;) {
+  for (std::size_t start = line.find_first_not_of(kBlanks); start != std::string_view::npos;) {
     const std::size_t end = std::min(line.find_first_of(kBlanks, start), line.size());
     fields.push_back(line.substr(start, end - start));
     start = line.find_first_not_of(kBlanks, end);
@@ -107,11 +103,8 @@ class TrafficReader {
   }
 
   bool readX10() {
-    const std::optional<std::string> address = X10Utilities::normalizedX10Address(mFields[2]);
-    const char house = X10Utilities::houseOfAddress(address.value_or(""));
-    const std::uint8_t unit = X10Utilities::unitOfAddress(address.value_or(""));
-    // An address that normalising would have to mend was garbled on its way here.
-    if (house == 0 || address->size() != mFields[2].size() || (unit == 0 && address->size() > 1)) {
+    const std::optional<std::string> address = x10Address(mFields[2]);
+    if (!address) {
       return failed(quoted(mFields[2]) + " is not an X10 address; write a house letter A to P and a unit 1 to 16");
     }
     const auto function = wholeNumber(mFields[3]);
@@ -121,17 +114,17 @@ class TrafficReader {
     mLine.action = X10Utilities::x10ActionToActionCode(*function);
     const bool speaksToHouse = actionCodeRow(mLine.action)->wording == ActionWording::AllDevices;
     const bool maySpeakToHouse = speaksToHouse || mLine.action == kHail || mLine.action == kHailAcknowledge;
-    if (unit == 0 && !maySpeakToHouse) {
+    if (address->size() == 1 && !maySpeakToHouse) {
       return failed("X10 function " + std::string(mFields[3]) + " needs a unit behind the house letter, such as " +
-                    house + "1");
+                    *address + "1");
     }
-    mLine.address = speaksToHouse ? std::string(1, house) : *address;
+    mLine.address = speaksToHouse ? address->substr(0, 1) : *address;
     return true;
   }
 
   bool readINSTEON() {
-    const std::optional<std::string> address = Utilities::normalizedINSTEONAddress(mFields[2]);
-    if (!address || address->size() != kCanonicalINSTEONLength) {
+    const std::optional<std::string> address = insteonAddress(mFields[2]);
+    if (!address) {
       return failed(quoted(mFields[2]) +
                     " is not an INSTEON address; write three groups of two hex digits, such as 1A.2B.3C");
     }

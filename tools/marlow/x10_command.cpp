@@ -1,6 +1,6 @@
-#include "platform/text.h"
 #include "protocols/x10/x10_addresses.h"
 #include "tools/marlow/command.h"
+#include "tools/marlow/device_addresses.h"
 #include "tools/marlow/input_lines.h"
 #include "tools/marlow/output.h"
 
@@ -10,49 +10,30 @@ namespace {
 
 using platform::Value;
 
-// What is wrong with `address`; empty when it names a unit or a whole house.
-std::string faultOf(std::string_view address, const std::optional<std::string>& normalized) {
-  if (!normalized) {
-    return "more than three characters or a period; write a house letter and a unit, such as A1";
-  }
-  if (X10Utilities::houseOfAddress(*normalized) == 0) {
-    return "no house letter A to P in front; write a house letter and a unit, such as A1";
-  }
-  if (normalized->size() > 1 && X10Utilities::unitOfAddress(*normalized) == 0) {
-    return "the unit is none of 1 to 16";
-  }
-  // Normalising drops characters that no address has; a dropped one is a slip of the person who typed it.
-  std::size_t typed = 0;
-  for (const char32_t c : platform::CodePoints(address)) {
-    typed += platform::isBlank(c) ? 0U : 1U;
-  }
-  return typed == normalized->size() ? "" : "characters that no address has; did you mean " + *normalized + "?";
-}
-
-bool describe(std::string_view address, bool asJSON) {
-  const std::optional<std::string> normalized = X10Utilities::normalizedX10Address(address);
-  const std::string fault = faultOf(address, normalized);
-  if (!fault.empty()) {
+bool describe(std::string_view input, bool asJSON) {
+  std::string fault;
+  const std::optional<std::string> address = x10Address(input, &fault);
+  if (!address) {
     if (asJSON) {
-      printJSON(Value::Dictionary{{"input", address}, {"error", fault}});
+      printJSON(Value::Dictionary{{"input", input}, {"error", fault}});
     }
-    complain(quoted(address) + ": " + fault);
+    complain(quoted(input) + ": " + fault);
     return false;
   }
-  const char house = X10Utilities::houseOfAddress(*normalized);
-  const std::uint8_t unit = X10Utilities::unitOfAddress(*normalized);
+  const char house = X10Utilities::houseOfAddress(*address);
+  const std::uint8_t unit = X10Utilities::unitOfAddress(*address);
   const std::uint8_t houseCode = X10Utilities::houseCodeFromASCII(house);
   const std::uint8_t unitCode = X10Utilities::unitIDToCode(unit);
   if (asJSON) {
     Value::Dictionary fields{
-        {"input", address}, {"address", *normalized}, {"house", std::string(1, house)}, {"houseCode", houseCode}};
+        {"input", input}, {"address", *address}, {"house", std::string(1, house)}, {"houseCode", houseCode}};
     if (unit != 0) {
       fields.insert({{"unit", unit}, {"unitCode", unitCode}, {"unitBitMap", 1U << unitCode}});
     }
     printJSON(std::move(fields));
     return true;
   }
-  std::string line = *normalized + ": house " + house + " (code byte " + hexText(houseCode) + ")";
+  std::string line = *address + ": house " + house + " (code byte " + hexText(houseCode) + ")";
   line += unit == 0 ? std::string(", all units")
                     : ", unit " + std::to_string(unit) + " (code " + hexText(unitCode, 1) + ", bit map " +
                           hexText(1U << unitCode, 4) + ")";
@@ -61,17 +42,7 @@ bool describe(std::string_view address, bool asJSON) {
 }
 
 ExitCode run(const Arguments& arguments) {
-  ExitCode code = ExitCode::AllWell;
-  const bool hadInput = forEachInput(arguments, [&](std::string_view address) {
-    if (!describe(address, arguments.wantsJSON())) {
-      code = ExitCode::BadInput;
-    }
-  });
-  if (!hadInput) {
-    complain("x10: no address given; see marlow x10 --help");
-    return ExitCode::CannotRun;
-  }
-  return code;
+  return forEachInput("x10", arguments, [&](std::string_view input) { return describe(input, arguments.wantsJSON()); });
 }
 
 }  // namespace
@@ -87,6 +58,7 @@ const Command kX10Command = {
         "\n"
         "  marlow x10 A1 \" p 16\" C\n",
     .options = {},
+    .wordsThings = false,
     .run = run,
 };
 

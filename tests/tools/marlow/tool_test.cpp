@@ -29,9 +29,17 @@ TEST(ToolExitCodes, TellWrongUseFromBadInput) {
       {"missing devices", {"listen", "--devices", "/nonexistent"}, "", 2, "No such file"},
       {"good address", {"x10", "A1"}, "", 0, ""},
       {"one bad address of two", {"x10", "A1", "Q1"}, "", 1, "\"Q1\": no house letter"},
+      {"address with a tail", {"x10", "A1B"}, "", 1, "more than a unit"},
+      {"input of one line too long",
+       {"x10", "-"},
+       std::string(70'000, ' ') + "x\n",
+       1,
+       "standard input:1: the line is"},
       {"addresses from standard input", {"insteon"}, "1a2b3c\n\n12 34\n", 1, "only hex digits"},
       {"log without an action", {"log"}, "", 2, "--action CODE is missing"},
-      {"log of an amount that is none", {"log", "--action", "Dim", "--amount", "4x"}, "", 2, "not a number"},
+      {"log of an amount that is none", {"log", "--action", "Dim", "--amount", "nan"}, "", 2, "not a number from 0"},
+      {"log of no action", {"log", "--action", "on"}, "", 2, "not an action code"},
+      {"log of a house that hears no such action", {"log", "--action", "On", "--house", "B"}, "", 2, "alone"},
       {"log of an unknown tense", {"log", "--action", "On", "--tense", "soon"}, "", 2, "none of past, present"},
       {"strings without a folder", {"strings", "check"}, "", 2, "marlow strings check FOLDER"},
       {"strings in a folder without texts", {"strings", "check", "/proc"}, "", 2, "no folder of texts"},
@@ -112,29 +120,36 @@ TEST(JSON, EscapesWhatAPersonTyped) {
 TEST(StringsCheck, FindsEachKindOfFault) {
   TemporaryFolder folder;
   for (const char* table : {"Localizable", "Common", "Conjugations"}) {
-    const std::string name = std::string("/English.lproj/") + table + ".strings";
-    std::ifstream english(SOURCE_FOLDER "/resources" + name);
+    const std::string name = std::string("English.lproj/") + table + ".strings";
+    std::ifstream english(SOURCE_FOLDER "/resources/" + name);
     const std::string texts{std::istreambuf_iterator<char>(english), {}};
     folder.write(name, texts);
     folder.write(std::string("fr.lproj/") + table + ".strings", texts);
   }
-  EXPECT_EQ(runTool({"strings", "check", folder.path()}).exitCode, 0);
+  const ToolResult copied = runTool({"strings", "check", folder.path()});
+  EXPECT_NE(copied.output.find("\"keyCurrentLanguage\" is \"English\" but the folder is \"fr.lproj\""),
+            std::string::npos);
+  EXPECT_NE(copied.output.find("in 2 languages: 1 fault\n"), std::string::npos) << copied.output;
 
   folder.write("fr.lproj/Common.strings",
                "\"keyDaysOfWeek\" = \"DLMMJVS\";\n"
                "\"keyDaysOfWeek\" = \"dlmmjvs\";\n"
                "\"keyNoPortSelected\" = \"Aucun port %@\";\n"
                "\"keyNoPortSelcted\" = \"Aucun port\";\n"
-               "broken\n");
+               "broken\n"
+               "\"keyBy\" = \"keyBy\";\n"
+               "\"keyTo\" = \"\";\n");
   folder.write("fr.lproj/Other.strings", "");
   const ToolResult result = runTool({"strings", "check", folder.path() + "/fr.lproj/"});
   EXPECT_EQ(result.exitCode, 1);
-  for (const char* fault : {"Common.strings:2: \"keyDaysOfWeek\" is given again; line 1",
-                            "Common.strings:3: \"keyNoPortSelected\" has the slots %1$@",
-                            "Common.strings:4: \"keyNoPortSelcted\" is never asked for",
-                            "Common.strings:5: a key in double quotes is missing",
-                            "Localizable.strings:1: \"keyCurrentLanguage\" is missing; in English it is \"English\"",
-                            "Other.strings:1: no text of this table"}) {
+  for (const char* fault :
+       {"Common.strings:2: \"keyDaysOfWeek\" is given again; line 1",
+        "Common.strings:3: \"keyNoPortSelected\" has the slots %1$@",
+        "Common.strings:4: \"keyNoPortSelcted\" is never asked for",
+        "Common.strings:5: a key in double quotes is missing", "Common.strings:6: \"keyBy\" has its own key for a text",
+        "Common.strings:7: \"keyTo\" is empty",
+        "Localizable.strings:1: \"keyCurrentLanguage\" is missing; in English it is \"English\"",
+        "Other.strings:1: no text of this table"}) {
     EXPECT_NE(result.output.find(fault), std::string::npos) << fault << "\nnot in\n" << result.output;
   }
 }

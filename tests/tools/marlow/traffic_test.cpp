@@ -22,6 +22,7 @@ TEST(ParseTrafficLine, ReadsEveryShapeOfLine) {
       {"unit", "2026-06-01T18:05:00 x10 A1 2", "A1", fourCharCode("On  "), {}, {}},
       {"dim with percentage", "2026-06-01T18:05:00 x10 P16 4 40%", "P16", fourCharCode("Dim "), 40, {}},
       {"fraction of a percent", "2026-06-01T18:05:00 x10 P16 5 12.5%", "P16", fourCharCode("Brit"), 12.5, {}},
+      {"unit with a zero in front", "2026-06-01T18:05:00 x10 A01 2", "A1", fourCharCode("On  "), {}, {}},
       {"house letter", "2026-06-01T18:05:00 x10 B 1", "B", fourCharCode("All+"), {}, {}},
       {"whole house drops the unit", "2026-06-01T18:05:00 x10 B4 0", "B", fourCharCode("AOff"), {}, {}},
       {"extended command", "2026-06-01T18:05:00 x10 A4 7 0x31 0x64", "A4", fourCharCode("ExCm"), {}, {0x31, 0x64}},
@@ -52,6 +53,10 @@ TEST(ParseTrafficLine, SaysWhatIsWrong) {
     std::string line;
     const char* complaint;  // a part of it
   };
+  std::string bytes;
+  for (int i = 0; i < 30; ++i) {
+    bytes += " 0x31";
+  }
   const Row rows[] = {
       {"too short", "2026-06-01T18:05:00 x10 A1", "are needed"},
       {"day that does not exist", "2026-02-29T18:05:00 x10 A1 2", "is not a time"},
@@ -60,6 +65,7 @@ TEST(ParseTrafficLine, SaysWhatIsWrong) {
       {"protocol", "2026-06-01T18:05:00 zwave A1 2", "is no protocol"},
       {"house Q", "2026-06-01T18:05:00 x10 Q1 2", "not an X10 address"},
       {"unit 17", "2026-06-01T18:05:00 x10 A17 2", "not an X10 address"},
+      {"garbled byte behind many", "2026-06-01T18:05:00 x10 A1 7" + bytes + " rubbish", "not a data byte"},
       {"garbled address that could be mended", "2026-06-01T18:05:00 x10 A1? 2", "not an X10 address"},
       {"function 16", "2026-06-01T18:05:00 x10 A1 16", "not an X10 function"},
       {"function beyond 32 bits", "2026-06-01T18:05:00 x10 A1 4294967298", "not an X10 function"},

@@ -1,0 +1,72 @@
+// The examples of docs/guide.md, run: each must stand in the guide, followed by a comment that begins with its result.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "platform/text.h"
+#include "protocols/insteon/insteon_addresses.h"
+#include "protocols/insteon/insteon_commands.h"
+#include "protocols/x10/x10_actions.h"
+#include "protocols/x10/x10_addresses.h"
+#include "tests/support/main_bundle.h"
+#include "wording/action_phrases.h"
+#include "wording/localized_strings.h"
+
+namespace SharedClasses {
+namespace {
+
+std::string asText(const std::optional<std::string>& text) {
+  return "\"" + text.value_or("(absent)") + "\"";
+}
+std::string asCode(ActionCode code) {
+  return asText(Utilities::stringFromFourCharCode(code));
+}
+std::string asNumber(std::int64_t number) {
+  return std::to_string(number);
+}
+std::string asAddress(std::uint32_t address) {
+  return "0x1A2B3C" + std::string(address == 0x1A2B3C ? "" : " is wrong");
+}
+std::string asCharacter(char character) {
+  return std::string("'") + character + "'";
+}
+
+TEST(Guide, ExamplesGiveWhatTheirCommentsSay) {
+  tests::useShippedTexts();
+  std::ifstream file(SOURCE_FOLDER "/docs/guide.md");
+  const std::string guide{std::istreambuf_iterator<char>(file), {}};
+  const platform::Value devices[] = {"hall lamp", "porch lights"};
+  const platform::Value house[] = {"B"};
+  struct Example {
+    std::string code;
+    std::string result;
+  };
+#define EXAMPLE(shown, ...) \
+  { #__VA_ARGS__ ";", shown(__VA_ARGS__) }
+  const Example examples[] = {
+      EXAMPLE(asText,
+              Utilities::logStringForDevices({.devices = devices, .actionCode = fourCharCode("Dim "), .amount = 40})),
+      EXAMPLE(asText, Utilities::logStringForDevices({.devices = house, .actionCode = fourCharCode("All+")})),
+      EXAMPLE(asCode, X10Utilities::x10ActionToActionCode(2)),
+      EXAMPLE(asCharacter, X10Utilities::asciiFromHouseCode(0x60)),
+      EXAMPLE(asNumber, X10Utilities::unitCodeToID(0x6)),
+      EXAMPLE(asNumber, X10Utilities::dimStepsFrom(0, 100, 22)),
+      EXAMPLE(asText, X10Utilities::normalizedX10Address(" b 2 ")),
+      EXAMPLE(asAddress, Utilities::intWithINSTEONAddress("1a:2b:3c")),
+      EXAMPLE(asCode, Utilities::actionCodeWithInsteonCommand(0x12)),
+      EXAMPLE(asText, Utilities::getString("keyAllLights")),
+      EXAMPLE(asText, Utilities::getString("keyNobodyHasThis")),
+      EXAMPLE(asText, Utilities::getStringFromTable("keyAnd", "Conjugations")),
+  };
+#undef EXAMPLE
+  for (const Example& example : examples) {
+    SCOPED_TRACE(example.code);
+    const std::size_t at = guide.find(example.code);
+    ASSERT_NE(at, std::string::npos) << "the guide has no such line";
+    const std::string_view comment = platform::trimmed(std::string_view(guide).substr(at + example.code.size()));
+    EXPECT_TRUE(comment.starts_with("// " + example.result)) << example.result << "\nis not\n" << comment.substr(0, 80);
+  }
+}
+
+}  // namespace
+}  // namespace SharedClasses
