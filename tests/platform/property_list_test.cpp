@@ -94,6 +94,7 @@ TEST(PropertyListFromXML, RefusesWithTheElementAndTheLine) {
       {"text in true", "<true>yes</true>", 1, "<true> holds \"yes\""},
       {"day that is none", "<date>2023-02-29T00:00:00Z</date>", 1, "<date>"},
       {"hour that is none", "<date>2023-02-28T24:00:00Z</date>", 1, "<date>"},
+      {"second that is none", "<date>2016-12-31T23:59:60Z</date>", 1, "<date>"},
       {"date with signs", "<date>2023-+2-28T00:00:00Z</date>", 1, "<date>"},
       {"base64 cut", "<data>Zm8</data>", 1, "<data>"},
       {"base64 of one digit", "<data>Z===</data>", 1, "<data>"},
