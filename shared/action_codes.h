@@ -20,6 +20,18 @@ using platform::fourCharCode;
 
 inline constexpr ActionCode kNoAction = 0;
 
+// The codes that some code treats in a way of their own.
+inline constexpr ActionCode kAllUnitsOffAction = fourCharCode("AOff");
+inline constexpr ActionCode kDimAction = fourCharCode("Dim ");
+inline constexpr ActionCode kBrightenAction = fourCharCode("Brit");
+inline constexpr ActionCode kDimToAction = fourCharCode("DmTo");
+inline constexpr ActionCode kBrightenToAction = fourCharCode("BrTo");
+inline constexpr ActionCode kExtendedCodeAction = fourCharCode("ExCm");
+inline constexpr ActionCode kExtendedDataAction = fourCharCode("ExDt");
+inline constexpr ActionCode kStatusAction = fourCharCode("Stat");
+inline constexpr ActionCode kHailAction = fourCharCode("Hail");
+inline constexpr ActionCode kHailAcknowledgeAction = fourCharCode("HAck");
+
 // A column of the table in which a code has no place.
 inline constexpr std::uint8_t kNotInColumn = 0xFF;
 

@@ -17,14 +17,6 @@ namespace SharedClasses::Utilities {
 
 namespace {
 
-constexpr ActionCode kAllUnitsOff = fourCharCode("AOff");
-constexpr ActionCode kDim = fourCharCode("Dim ");
-constexpr ActionCode kBrighten = fourCharCode("Brit");
-constexpr ActionCode kDimTo = fourCharCode("DmTo");
-constexpr ActionCode kBrightenTo = fourCharCode("BrTo");
-constexpr ActionCode kExtendedCode = fourCharCode("ExCm");
-constexpr ActionCode kStatus = fourCharCode("Stat");
-
 constexpr std::string_view kUnnamed = "???";
 
 std::string_view conjugation(std::string_view key) {
@@ -99,7 +91,7 @@ std::string nameOfHouse(std::string_view letter, ActionCode code) {
   if (!namesWholeHouse(code)) {
     return std::string(letter);
   }
-  const std::string_view units = viewOfString(code == kAllUnitsOff ? "keyAllUnits" : "keyAllLights");
+  const std::string_view units = viewOfString(code == kAllUnitsOffAction ? "keyAllUnits" : "keyAllLights");
   return platform::filledFormat(viewOfString("keyAllDevicesLogFormat"), {units, letter});
 }
 
@@ -189,10 +181,10 @@ std::int32_t resolvedPreposition(std::int32_t preposition, ActionCode code) {
   if (preposition != kAutomaticPreposition) {
     return preposition;
   }
-  if (code == kDim || code == kBrighten) {
+  if (code == kDimAction || code == kBrightenAction) {
     return kByPreposition;
   }
-  return code == kDimTo || code == kBrightenTo ? kToPreposition : kNoPreposition;
+  return code == kDimToAction || code == kBrightenToAction ? kToPreposition : kNoPreposition;
 }
 
 std::string statusTail(std::optional<double> amount) {
@@ -228,14 +220,14 @@ std::string amountTail(std::optional<double> amount, std::int32_t preposition) {
 // What follows the verb.
 std::string tailOf(const LogStringArguments& arguments) {
   switch (arguments.actionCode) {
-    case kStatus:
+    case kStatusAction:
       return statusTail(arguments.amount);
-    case kExtendedCode:
+    case kExtendedCodeAction:
       return extendedBytesTail(arguments.andParameters);
-    case kDim:
-    case kBrighten:
-    case kDimTo:
-    case kBrightenTo:
+    case kDimAction:
+    case kBrightenAction:
+    case kDimToAction:
+    case kBrightenToAction:
       return amountTail(arguments.amount, resolvedPreposition(arguments.preposition, arguments.actionCode));
     default:
       return {};

@@ -18,12 +18,11 @@ TEST(Text, MalformedPiecesAreReplacedAsTheUnicodeStandardRecommends) {
   } kRows[] = {
       // The examples of its chapter 3.9, then the nearest neighbours of what is well formed.
       {"stray and cut", "a\xF1\x80\x80\xE1\x80\xC2\x62\x80\x63\x80\xBF\x64", "a???b?c??d"},
-      {"overlong", "\xC0\xAF\xE0\x80\xBF\xF0\x81\x82\x41", "????????A"},
+      {"overlong", "\xC0\xAF\xE0\x80\xBF\xF0\x81\x82\x41\xC1\xBF", "????????A??"},
       {"surrogates", "\xED\xA0\x80\xED\xBF\xBF\xED\xAF\x41", "????????A"},
       {"beyond U+10FFFF", "\xF4\x91\x92\x93\xFF\x41\x80\xBF\x42", "?????A??B"},
       {"cut in a row", "\xE1\x80\xE2\xF0\x91\x92\xF1\xBF\x41", "????A"},
-      {"overlong, too large", "\xC1\xBF\xE0\x9F\xBF\xF0\x8F\xBF\xBF\xF4\x90\x80\x80\xF5\x80\x80\x80",
-       "?????????????????"},
+      {"too small, too large", "\xE0\x9F\xBF\xF0\x8F\xBF\xBF\xF4\x90\x80\x80\xF5\x80\x80\x80", "???????????????"},
       {"too low or high behind the lead", "\xC2\x7F\xC2\xC0\xF1\x80\x80\x7F\xF1\x80\x80\xC0", "?\x7F???\x7F??"},
   };
   for (const auto& row : kRows) {

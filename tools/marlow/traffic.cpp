@@ -15,14 +15,6 @@ namespace {
 
 constexpr std::uint32_t kLastX10Function = 15;
 
-// Which X10 functions speak to a whole house, and what may follow the function.
-constexpr ActionCode kDim = fourCharCode("Dim ");
-constexpr ActionCode kBrighten = fourCharCode("Brit");
-constexpr ActionCode kExtendedCode = fourCharCode("ExCm");
-constexpr ActionCode kExtendedData = fourCharCode("ExDt");
-constexpr ActionCode kHail = fourCharCode("Hail");
-constexpr ActionCode kHailAcknowledge = fourCharCode("HAck");
-
 std::vector<std::string_view> fieldsOf(std::string_view line) {
   std::vector<std::string_view> fields;
   constexpr std::string_view kBlanks = " \t\r";
@@ -113,7 +105,7 @@ class TrafficReader {
     }
     mLine.action = X10Utilities::x10ActionToActionCode(*function);
     const bool speaksToHouse = actionCodeRow(mLine.action)->wording == ActionWording::AllDevices;
-    const bool maySpeakToHouse = speaksToHouse || mLine.action == kHail || mLine.action == kHailAcknowledge;
+    const bool maySpeakToHouse = speaksToHouse || mLine.action == kHailAction || mLine.action == kHailAcknowledgeAction;
     if (address->size() == 1 && !maySpeakToHouse) {
       return failed("X10 function " + std::string(mFields[3]) + " needs a unit behind the house letter, such as " +
                     *address + "1");
@@ -143,8 +135,8 @@ class TrafficReader {
 
   // A percentage, or the bytes of an extended command.
   bool readRest() {
-    const bool takesBytes = mLine.action == kExtendedCode || mLine.action == kExtendedData;
-    const bool takesPercent = mLine.action == kDim || mLine.action == kBrighten;
+    const bool takesBytes = mLine.action == kExtendedCodeAction || mLine.action == kExtendedDataAction;
+    const bool takesPercent = mLine.action == kDimAction || mLine.action == kBrightenAction;
     for (std::size_t i = 4; i < mFields.size(); ++i) {
       const std::string_view field = mFields[i];
       if (takesBytes) {
