@@ -21,7 +21,7 @@ const OptionSpecification* specificationOf(std::string_view name, std::span<cons
 }  // namespace
 
 std::optional<Arguments> Arguments::parse(std::span<const std::string_view> words,
-                                          std::span<const OptionSpecification> specifications, std::string* error) {
+                                          std::span<const OptionSpecification> options, std::string* error) {
   Arguments arguments;
   for (std::size_t i = 0; i < words.size(); ++i) {
     const std::string_view word = words[i];
@@ -40,19 +40,19 @@ std::optional<Arguments> Arguments::parse(std::span<const std::string_view> word
     }
     const std::size_t equals = word.find('=');
     const std::string_view name = word.substr(0, equals);
-    const OptionSpecification* specification = specificationOf(name, specifications);
-    if (specification == nullptr) {
+    const OptionSpecification* option = specificationOf(name, options);
+    if (option == nullptr) {
       *error = "unknown option " + std::string(name);
       return std::nullopt;
     }
     std::string value;
     if (equals != std::string_view::npos) {
       value = word.substr(equals + 1);
-      if (!specification->takesValue) {
+      if (!option->takesValue) {
         *error = std::string(name) + " takes no value";
         return std::nullopt;
       }
-    } else if (specification->takesValue) {
+    } else if (option->takesValue) {
       if (i + 1 == words.size()) {
         *error = std::string(name) + " needs a value";
         return std::nullopt;
