@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "platform/bundle.h"
-#include "platform/text.h"
+#include "protocols/onewire/families.h"
 #include "shared/action_codes.h"
 #include "wording/phrase_keys.h"
 
@@ -24,6 +24,8 @@ constexpr std::string_view kDefaultTableKeys[] = {
     "keyStatusOff",
     "keyStatusOn",
     "keyStatusOnDimmed",
+    "keyThermometerNotMeasuredFormat",
+    "keyThermometerReadingFormat",
     // Texts of the programs
     "keyCurrentLanguage",
     "keyDaysOfWeek",
@@ -95,10 +97,6 @@ class KeyList {
   std::set<std::string> mPhrases;
 };
 
-std::string familyKey(unsigned family) {
-  return "key1WireFamilyForCode" + platform::hexDigits(family, 2);
-}
-
 }  // namespace
 
 std::vector<StringKey> allStringKeys() {
@@ -125,7 +123,7 @@ std::vector<StringKey> allStringKeys() {
   }
   for (unsigned family = 0; family < kFamilies; ++family) {
     const bool usual = std::ranges::find(kUsualFamilies, family) != kUsualFamilies.end();
-    keys.add(platform::kDefaultTable, familyKey(family), usual);
+    keys.add(platform::kDefaultTable, OneWireUtilities::familyNameKey(family), usual);
   }
   return keys.take();
 }

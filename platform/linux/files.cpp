@@ -17,29 +17,51 @@ namespace SharedClasses::platform {
 
 namespace {
 
-class Descriptor {
+// A regular file that is open for reading; nothing else is opened, and opening never waits.
+class RegularFile {
  public:
-  explicit Descriptor(int descriptor) : mDescriptor(descriptor) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
+  explicit RegularFile(const char* path) noexcept
+      : mDescriptor(::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
+    if (mDescriptor < 0 || ::fstat(mDescriptor, &mStatus) != 0) {
+      mError = errno;
+    } else if (!S_ISREG(mStatus.st_mode)) {
+      mError = S_ISDIR(mStatus.st_mode) ? EISDIR : kNotRegular;
+    }
+  }
+  RegularFile(const RegularFile&) = delete;
+  RegularFile& operator=(const RegularFile&) = delete;
+  ~RegularFile() {
     if (mDescriptor >= 0) {
       ::close(mDescriptor);
     }
   }
-  [[nodiscard]] int get() const { return mDescriptor; }
+
+  [[nodiscard]] bool isOpen() const noexcept { return mError == 0; }
+  [[nodiscard]] std::string errorText() const {
+    return mError == kNotRegular ? "not a regular file" : std::generic_category().message(mError);
+  }
+  [[nodiscard]] off_t size() const noexcept { return mStatus.st_size; }
+
+  // As read(2), but signals do not interrupt it.
+  ssize_t read(void* bytes, std::size_t count) const noexcept {
+    ssize_t result = 0;
+    do {
+      result = ::read(mDescriptor, bytes, count);
+    } while (result < 0 && errno == EINTR);
+    return result;
+  }
 
  private:
+  static constexpr int kNotRegular = -1;
+
   int mDescriptor;
+  struct stat mStatus {};
+  int mError = 0;  // of errno, or kNotRegular
 };
 
 // A path with a NUL inside would be cut by the system and name another file.
 bool isUsablePath(const std::string& path) {
   return !path.empty() && path.find('\0') == std::string::npos;
-}
-
-std::string systemError() {
-  return std::generic_category().message(errno);
 }
 
 }  // namespace
@@ -54,29 +76,22 @@ std::optional<std::string> readFile(const std::string& path, std::size_t limit, 
   if (!isUsablePath(path)) {
     return fail("not a usable path");
   }
-  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-  struct stat status {};
-  if (file.get() < 0 || ::fstat(file.get(), &status) != 0) {
-    return fail(systemError());
+  const RegularFile file(path.c_str());
+  if (!file.isOpen()) {
+    return fail(file.errorText());
   }
-  if (!S_ISREG(status.st_mode)) {
-    return fail("not a regular file");
+  const std::string tooLong = "longer than " + std::to_string(limit) + " bytes";
+  if (std::cmp_greater(file.size(), limit)) {
+    return fail(tooLong);
   }
   // The size is a hint: the file may grow or shrink while it is read, and files of /proc state none.
   std::string bytes;
-  const std::string tooLong = "longer than " + std::to_string(limit) + " bytes";
-  if (std::cmp_greater(status.st_size, limit)) {
-    return fail(tooLong);
-  }
   std::size_t used = 0;
   for (;;) {
-    bytes.resize(used + (used == 0 ? static_cast<std::size_t>(status.st_size) + 1 : std::size_t{65536}));
-    const ssize_t count = ::read(file.get(), bytes.data() + used, bytes.size() - used);
+    bytes.resize(used + (used == 0 ? static_cast<std::size_t>(file.size()) + 1 : std::size_t{65536}));
+    const ssize_t count = file.read(bytes.data() + used, bytes.size() - used);
     if (count < 0) {
-      if (errno == EINTR) {
-        continue;
-      }
-      return fail(systemError());
+      return fail(std::generic_category().message(errno));
     }
     used += static_cast<std::size_t>(count);
     if (used > limit) {
@@ -87,6 +102,26 @@ std::optional<std::string> readFile(const std::string& path, std::size_t limit, 
       return bytes;
     }
   }
+}
+
+std::int64_t sizeOfFile(const char* path) noexcept {
+  struct stat status {};
+  return ::stat(path, &status) == 0 ? status.st_size : -1;
+}
+
+bool readFileInto(const char* path, std::span<std::uint8_t> bytes) noexcept {
+  const RegularFile file(path);
+  if (!file.isOpen()) {
+    return false;
+  }
+  while (!bytes.empty()) {
+    const ssize_t count = file.read(bytes.data(), bytes.size());
+    if (count <= 0) {
+      return false;
+    }
+    bytes = bytes.subspan(static_cast<std::size_t>(count));
+  }
+  return true;
 }
 
 std::string pathInFolder(std::string_view folder, std::string_view name) {

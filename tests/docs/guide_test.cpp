@@ -6,6 +6,8 @@
 #include "platform/text.h"
 #include "protocols/insteon/insteon_addresses.h"
 #include "protocols/insteon/insteon_commands.h"
+#include "protocols/onewire/addresses.h"
+#include "protocols/onewire/ds18b20_scratch_pad.h"
 #include "protocols/x10/x10_actions.h"
 #include "protocols/x10/x10_addresses.h"
 #include "tests/support/main_bundle.h"
@@ -31,12 +33,22 @@ std::string asCharacter(char character) {
   return std::string("'") + character + "'";
 }
 
+std::string asTruth(bool truth) {
+  return truth ? "true" : "false";
+}
+std::string asReading(std::optional<double> reading) {
+  return platform::numberText(reading.value_or(0));
+}
+
 TEST(Guide, ExamplesGiveWhatTheirCommentsSay) {
   tests::useShippedTexts();
   std::ifstream file(SOURCE_FOLDER "/docs/guide.md");
   const std::string guide{std::istreambuf_iterator<char>(file), {}};
   const platform::Value devices[] = {"hall lamp", "porch lights"};
   const platform::Value house[] = {"B"};
+  const std::uint8_t bytes[] = {0x91, 0x01, 0x4B, 0x46, 0x7F, 0xFF, 0x0C, 0x10, 0x00};
+  const auto pad = DS18B20ScratchPad::scratchPadWithDataAndSetCRC(bytes, true);
+  pad->setUnits("C");
   struct Example {
     std::string code;
     std::string result;
@@ -54,6 +66,10 @@ TEST(Guide, ExamplesGiveWhatTheirCommentsSay) {
       EXAMPLE(asText, X10Utilities::normalizedX10Address(" b 2 ")),
       EXAMPLE(asAddress, Utilities::intWithINSTEONAddress("1a:2b:3c")),
       EXAMPLE(asCode, Utilities::actionCodeWithInsteonCommand(0x12)),
+      EXAMPLE(asTruth, OneWireUtilities::validAddress("e9000005e2fdc328")),
+      EXAMPLE(asNumber, OneWireUtilities::familyCodeFromAddress("e9000005e2fdc328")),
+      EXAMPLE(asReading, pad->temperature()),
+      EXAMPLE(asTruth, pad->looksLikePowerOnReset()),
       EXAMPLE(asText, Utilities::getString("keyAllLights")),
       EXAMPLE(asText, Utilities::getString("keyNobodyHasThis")),
       EXAMPLE(asText, Utilities::getStringFromTable("keyAnd", "Conjugations")),

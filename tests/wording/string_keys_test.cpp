@@ -46,7 +46,9 @@ TEST(StringKeys, EveryKeyWrittenInTheSourcesIsListedAndEachOnce) {
 
 TEST(StringKeys, ShippedTablesHoldTheListedKeysAndNoOthersWithTheSlotsThatTheCodeFills) {
   const std::map<std::string, Slots> kSlots = {{"keyAllDevicesLogFormat", {{1, '@'}, {2, '@'}}},
-                                               {"keyNoDeviceFoundErrorFormat", {{1, '@'}}}};
+                                               {"keyNoDeviceFoundErrorFormat", {{1, '@'}}},
+                                               {"keyThermometerNotMeasuredFormat", {{1, '@'}}},
+                                               {"keyThermometerReadingFormat", {{1, '@'}, {2, '@'}}}};
   std::map<std::string, std::set<std::string>> known;  // by table
   for (const StringKey& key : allStringKeys()) {
     known[key.table].insert(key.key);

@@ -28,6 +28,8 @@ extern const Command kActionCommand;
 extern const Command kInsteonCommand;
 extern const Command kListenCommand;
 extern const Command kLogCommand;
+extern const Command kOneWireCommand;
+extern const Command kPadCommand;
 extern const Command kStringsCommand;
 extern const Command kX10Command;
 

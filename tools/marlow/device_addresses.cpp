@@ -1,9 +1,11 @@
 #include "tools/marlow/device_addresses.h"
 
 #include <algorithm>
+#include <array>
 
 #include "platform/text.h"
 #include "protocols/insteon/insteon_addresses.h"
+#include "protocols/onewire/addresses.h"
 #include "protocols/x10/x10_addresses.h"
 
 namespace SharedClasses::marlow {
@@ -44,6 +46,19 @@ std::optional<std::string> x10Address(std::string_view text, std::string* fault)
 std::optional<std::string> insteonAddress(std::string_view text) {
   std::optional<std::string> address = Utilities::normalizedINSTEONAddress(text);
   return address && address->size() == kCanonicalINSTEONLength ? address : std::nullopt;
+}
+
+std::optional<std::string> oneWireAddress(std::string_view text) {
+  if (OneWireUtilities::validAddress(text)) {
+    return OneWireUtilities::normalizedOneWireAddress(text);
+  }
+  std::array<std::uint8_t, OneWireUtilities::kAddressSize> bytes{};
+  if (OneWireUtilities::bytesWithAddress(bytes.data(), text) != OneWireUtilities::kAddressRead) {
+    return std::nullopt;
+  }
+  std::ranges::reverse(bytes);
+  std::string turned = OneWireUtilities::addressStringWithBytes(bytes);
+  return OneWireUtilities::validAddress(turned) ? std::optional(std::move(turned)) : std::nullopt;
 }
 
 }  // namespace SharedClasses::marlow

@@ -12,10 +12,14 @@ namespace {
 
 constexpr std::size_t kMaximumFileSize = std::size_t{16} << 20;  // bytes
 
-// The normal form of an X10 unit's or an INSTEON device's address; absent for anything else.
+// The normal form of the address of an X10 unit, an INSTEON or a 1-Wire device; absent for anything else.
 std::optional<std::string> normalizedAddress(std::string_view address) {
   std::optional<std::string> x10 = x10Address(address);
-  return x10 && x10->size() > 1 ? x10 : insteonAddress(address);
+  if (x10 && x10->size() > 1) {
+    return x10;
+  }
+  std::optional<std::string> insteon = insteonAddress(address);
+  return insteon ? insteon : oneWireAddress(address);
 }
 
 }  // namespace
@@ -52,7 +56,7 @@ const std::string* DeviceNames::find(std::string_view address) const {
 std::string DeviceNames::add(std::string_view address, std::string_view name) {
   std::optional<std::string> normalized = normalizedAddress(address);
   if (!normalized) {
-    return quoted(address) + " is not the address of a device; write one such as A1 or 1A.2B.3C";
+    return quoted(address) + " is not the address of a device; write one such as A1, 1A.2B.3C or e9000005e2fdc328";
   }
   if (platform::trimmed(name).empty()) {
     return *normalized + " has no name behind it";

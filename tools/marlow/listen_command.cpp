@@ -6,13 +6,17 @@
 
 #include "platform/files.h"
 #include "platform/terminal.h"
+#include "platform/text_format.h"
+#include "protocols/onewire/addresses.h"
 #include "tools/marlow/command.h"
 #include "tools/marlow/device_names.h"
 #include "tools/marlow/input_lines.h"
 #include "tools/marlow/named_device.h"
 #include "tools/marlow/output.h"
+#include "tools/marlow/thermometers.h"
 #include "tools/marlow/traffic.h"
 #include "wording/action_phrases.h"
+#include "wording/localized_strings.h"
 
 namespace SharedClasses::marlow {
 
@@ -20,7 +24,61 @@ namespace {
 
 using platform::Value;
 
-constexpr OptionSpecification kOptions[] = {{"--devices", true}};
+constexpr OptionSpecification kOptions[] = {{"--devices", true}, {"--units", true}};
+
+// What the lines of one run have in common.
+struct Listening {
+  DeviceNames names;
+  std::string units = "F";  // of temperatures
+  bool asJSON = false;
+};
+
+std::string kindOf(Protocol protocol) {
+  switch (protocol) {
+    case Protocol::X10:
+      return "X10 device ";
+    case Protocol::INSTEON:
+      return "INSTEON device ";
+    case Protocol::OneWire:
+      break;
+  }
+  return "1-Wire thermometer ";
+}
+
+std::string nameOf(Protocol protocol) {
+  switch (protocol) {
+    case Protocol::X10:
+      return "x10";
+    case Protocol::INSTEON:
+      return "insteon";
+    case Protocol::OneWire:
+      break;
+  }
+  return "onewire";
+}
+
+// What a thermometer line says, read once: a suspect reading is logged once.
+struct Reading {
+  double temperature = 0;  // in the units asked for
+  bool powerOnReset = false;
+};
+
+Reading readingOf(const TrafficLine& line, const std::string& units) {
+  const std::uint32_t family = OneWireUtilities::familyCodeFromAddress(line.address);
+  const auto pad = makePad(thermometerKindOfFamily(family).value_or(ThermometerKind::DS18B20), line.bytes, false);
+  pad->setUnits(units);
+  return {pad->temperature().value_or(0), pad->looksLikePowerOnReset()};
+}
+
+std::string readingSentence(const TrafficLine& line, const Reading& reading, const Listening& listening) {
+  const std::string* const name = listening.names.find(line.address);
+  const std::string device = name != nullptr ? *name : kindOf(line.protocol) + line.address;
+  if (reading.powerOnReset) {
+    return platform::filledFormat(Utilities::viewOfString("keyThermometerNotMeasuredFormat"), {device});
+  }
+  return platform::filledFormat(Utilities::viewOfString("keyThermometerReadingFormat"),
+                                {device, temperatureText(reading.temperature, listening.units)});
+}
 
 bool isHouseLetter(const TrafficLine& line) {
   return line.protocol == Protocol::X10 && line.address.size() == 1;
@@ -35,8 +93,7 @@ Value deviceOf(const TrafficLine& line, const DeviceNames& names) {
   if (const std::string* name = names.find(line.address)) {
     return std::make_shared<NamedDevice>(*name);
   }
-  const std::string kind = line.protocol == Protocol::X10 ? "X10 device " : "INSTEON device ";
-  return std::make_shared<NamedDevice>(kind + line.address);
+  return std::make_shared<NamedDevice>(kindOf(line.protocol) + line.address);
 }
 
 std::string bytesText(const std::vector<std::uint8_t>& bytes) {
@@ -47,8 +104,8 @@ std::string bytesText(const std::vector<std::uint8_t>& bytes) {
   return text;
 }
 
-std::string sentenceFor(const TrafficLine& line, const DeviceNames& names) {
-  const Value device = deviceOf(line, names);
+std::string sentenceFor(const TrafficLine& line, const Listening& listening) {
+  const Value device = deviceOf(line, listening.names);
   Value::Dictionary parameters;
   if (!line.bytes.empty()) {
     parameters.insert_or_assign("extendedBytes", Value(bytesText(line.bytes)));
@@ -57,18 +114,23 @@ std::string sentenceFor(const TrafficLine& line, const DeviceNames& names) {
       {.devices = {&device, 1}, .actionCode = line.action, .amount = line.percent, .andParameters = &parameters});
 }
 
-void print(const TrafficLine& line, const DeviceNames& names, bool asJSON) {
-  const std::string sentence = sentenceFor(line, names);
-  if (!asJSON) {
+void print(const TrafficLine& line, const Listening& listening) {
+  const bool isReading = line.protocol == Protocol::OneWire;
+  const Reading reading = isReading ? readingOf(line, listening.units) : Reading();
+  const std::string sentence = isReading ? readingSentence(line, reading, listening) : sentenceFor(line, listening);
+  if (!listening.asJSON) {
     printLine(line.time.substr(0, 10) + " " + line.time.substr(11) + "  " + sentence);
     return;
   }
-  Value::Dictionary fields{{"time", line.time},
-                           {"protocol", line.protocol == Protocol::X10 ? "x10" : "insteon"},
-                           {"address", line.address},
-                           {"action", Utilities::stringFromFourCharCode(line.action)},
-                           {"sentence", sentence}};
-  if (const std::string* name = names.find(line.address)) {
+  Value::Dictionary fields{
+      {"time", line.time}, {"protocol", nameOf(line.protocol)}, {"address", line.address}, {"sentence", sentence}};
+  if (isReading) {
+    fields.insert(
+        {{"temperature", reading.temperature}, {"units", listening.units}, {"powerOnReset", reading.powerOnReset}});
+  } else {
+    fields.insert_or_assign("action", Value(Utilities::stringFromFourCharCode(line.action)));
+  }
+  if (const std::string* name = listening.names.find(line.address)) {
     fields.insert_or_assign("device", Value(*name));
   }
   if (line.percent) {
@@ -81,7 +143,7 @@ void print(const TrafficLine& line, const DeviceNames& names, bool asJSON) {
 }
 
 // Words every line of `stream` as it comes, each at once: a stream may grow. False when a line was bad.
-bool listen(std::istream& stream, const std::string& source, const DeviceNames& names, bool asJSON) {
+bool listen(std::istream& stream, const std::string& source, const Listening& listening) {
   bool allGood = true;
   for (InputLines lines(stream); lines.next();) {
     if (isTrafficComment(lines.line())) {
@@ -93,9 +155,9 @@ bool listen(std::istream& stream, const std::string& source, const DeviceNames& 
       parsed = parseTrafficLine(lines.line(), &error);
     }
     if (parsed) {
-      print(*parsed, names, asJSON);
+      print(*parsed, listening);
     } else {
-      if (asJSON) {
+      if (listening.asJSON) {
         printJSON(Value::Dictionary{{"line", lines.number()}, {"error", error}});
       }
       complain(source + ":" + std::to_string(lines.number()) + ": " + error);
@@ -115,7 +177,13 @@ ExitCode run(const Arguments& arguments) {
     return ExitCode::CannotRun;
   }
   ExitCode code = ExitCode::AllWell;
-  DeviceNames names;
+  Listening listening;
+  listening.asJSON = arguments.wantsJSON();
+  listening.units = arguments.value("--units").value_or(listening.units);
+  if (!isTemperatureUnit(listening.units)) {
+    complain("listen: --units is C, F or K");
+    return ExitCode::CannotRun;
+  }
   if (const auto path = arguments.value("--devices")) {
     std::vector<std::string> faults;
     std::string error;
@@ -128,7 +196,7 @@ ExitCode run(const Arguments& arguments) {
       complain(*path + ":" + fault);
       code = ExitCode::BadInput;
     }
-    names = *std::move(loaded);
+    listening.names = *std::move(loaded);
   }
   const std::string source = arguments.operands().empty() ? "-" : arguments.operands().front();
   bool allGood = false;
@@ -136,7 +204,7 @@ ExitCode run(const Arguments& arguments) {
     if (arguments.operands().empty() && platform::isTerminal(platform::StandardStream::Input)) {
       complain("listen: type traffic lines, end with Ctrl-D; see marlow listen --help");
     }
-    allGood = listen(std::cin, "standard input", names, arguments.wantsJSON());
+    allGood = listen(std::cin, "standard input", listening);
   } else {
     std::ifstream file(source, std::ios::binary);
     if (!file || platform::isFolder(source)) {
@@ -144,7 +212,7 @@ ExitCode run(const Arguments& arguments) {
       complain(source + ": the file cannot be read: " + std::generic_category().message(reason));
       return ExitCode::CannotRun;
     }
-    allGood = listen(file, source, names, arguments.wantsJSON());
+    allGood = listen(file, source, listening);
   }
   return allGood ? code : ExitCode::BadInput;
 }
@@ -153,19 +221,22 @@ ExitCode run(const Arguments& arguments) {
 
 const Command kListenCommand = {
     .name = "listen",
-    .summary = "turn recorded power-line traffic into the log that a home owner reads",
-    .usage = "[--devices FILE] [--json] [FILE]",
+    .summary = "turn recorded traffic into the log that a home owner reads",
+    .usage = "[--devices FILE] [--units C|F|K] [--json] [FILE]",
     .help =
-        "Reads one heard command a line from FILE or standard input and prints a dated sentence for each at once:\n"
+        "Reads one heard command or read thermometer a line from FILE or standard input and prints a dated sentence "
+        "for each at once:\n"
         "  2026-06-01T18:05:00 x10 A1 2               X10 address, function 0 to 15\n"
         "  2026-06-01T18:05:04 x10 A1 4 40%           dim (4) and brighten (5) with a percentage\n"
         "  2026-06-01T18:06:30 x10 B 1                a whole house: functions 0, 1, 6\n"
         "  2026-06-01T18:07:12 x10 A4 7 0x31 0x64     extended commands (7, 12) with their bytes\n"
         "  2026-06-01T18:09:55 insteon 1A.2B.3C 0x11  INSTEON address, command byte\n"
+        "  2026-06-01T18:10:00 onewire e9000005e2fdc328 50054b467fff0c101c  1-Wire address, scratch pad\n"
         "Blank lines and lines that begin with # are passed over. A bad line is reported with its number on standard\n"
         "error; the rest is read, and the exit code is 1.\n"
         "  --devices FILE  names of addresses: lines such as \"A1 hall lamp\", or an XML property list, a dictionary\n"
         "                  of names by address\n"
+        "  --units UNITS   of temperatures; F unless given\n"
         "\n"
         "  marlow listen --devices examples/devices.txt examples/recorded_day.txt\n"
         "  tail -f traffic.txt | marlow listen\n",

@@ -15,8 +15,8 @@ namespace SharedClasses::marlow {
 namespace {
 
 // In the order in which `--help` lists them.
-constexpr const Command* kCommands[] = {&kListenCommand,  &kLogCommand,    &kX10Command,
-                                        &kInsteonCommand, &kActionCommand, &kStringsCommand};
+constexpr const Command* kCommands[] = {&kListenCommand,  &kLogCommand, &kX10Command,    &kInsteonCommand,
+                                        &kOneWireCommand, &kPadCommand, &kActionCommand, &kStringsCommand};
 
 // A person at the command line reads standard error, not the system's log.
 class ComplainingLog : public platform::LogSink {

@@ -5,9 +5,11 @@
 
 #include "platform/text.h"
 #include "protocols/insteon/insteon_commands.h"
+#include "protocols/onewire/addresses.h"
 #include "protocols/x10/x10_actions.h"
 #include "tools/marlow/device_addresses.h"
 #include "tools/marlow/output.h"
+#include "tools/marlow/thermometers.h"
 
 namespace SharedClasses::marlow {
 
@@ -81,7 +83,11 @@ class TrafficReader {
       mLine.protocol = Protocol::INSTEON;
       return readINSTEON() && readRest() ? std::optional(std::move(mLine)) : std::nullopt;
     }
-    return fail(quoted(mFields[1]) + " is no protocol; the protocols are x10 and insteon");
+    if (mFields[1] == "onewire") {
+      mLine.protocol = Protocol::OneWire;
+      return readOneWire() ? std::optional(std::move(mLine)) : std::nullopt;
+    }
+    return fail(quoted(mFields[1]) + " is no protocol; the protocols are x10, insteon and onewire");
   }
 
  private:
@@ -130,6 +136,38 @@ class TrafficReader {
       return failed("INSTEON command " + std::string(mFields[3]) +
                     " carries no action that is known; 0x11 to 0x16 switch and dim");
     }
+    return true;
+  }
+
+  bool readOneWire() {
+    const std::optional<std::string> address = oneWireAddress(mFields[2]);
+    if (!address) {
+      return failed(quoted(mFields[2]) +
+                    " is not a 1-Wire address with a right CRC; marlow onewire says what is wrong");
+    }
+    mLine.address = *address;
+    const std::uint32_t family = OneWireUtilities::familyCodeFromAddress(*address);
+    const std::optional<ThermometerKind> kind = thermometerKindOfFamily(family);
+    if (!kind) {
+      return failed("family " + hexText(family) + " of " + quoted(mFields[2]) + " is no thermometer that is known");
+    }
+    const auto bytes = bytesOfHexText(mFields[3]);
+    const auto pad = bytes ? makePad(*kind, *bytes, false) : nullptr;
+    if (pad == nullptr) {
+      return failed(quoted(mFields[3]) +
+                    " is not a scratch pad; write its nine bytes in hex, such as 50054b467fff0c101c");
+    }
+    if (!pad->isValid()) {
+      return failed("the CRC of the scratch pad " + quoted(mFields[3]) +
+                    " is wrong; marlow pad says what it should be");
+    }
+    if (*kind == ThermometerKind::DS18S20 && (*bytes)[ThermometerScratchPad::kCountPerDegree] == 0) {
+      return failed("the scratch pad " + quoted(mFields[3]) + " has a count per degree of 0; nothing was read");
+    }
+    if (mFields.size() > 4) {
+      return failed(quoted(mFields[4]) + " is more than a scratch pad takes");
+    }
+    mLine.bytes = *bytes;
     return true;
   }
 

@@ -1,4 +1,4 @@
-// Any line is read or refused with a reason; a line that is read holds an address in its normal form and a known action.
+// Any line is read or refused with a reason; a line that is read holds an address and a known action or a scratch pad.
 #include <cstdlib>
 
 #include "tools/marlow/traffic.h"
@@ -10,7 +10,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   if (!line && error.empty()) {
     std::abort();
   }
-  if (line && (line->address.empty() || actionCodeRow(line->action) == nullptr)) {
+  const bool isReading = line && line->protocol == marlow::Protocol::OneWire;
+  if (line &&
+      (line->address.empty() || (isReading ? line->bytes.size() != 9 : actionCodeRow(line->action) == nullptr))) {
     std::abort();
   }
   return 0;

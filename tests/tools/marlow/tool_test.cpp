@@ -41,6 +41,18 @@ TEST(ToolExitCodes, TellWrongUseFromBadInput) {
       {"log of no action", {"log", "--action", "on"}, "", 2, "not an action code"},
       {"log of a house that hears no such action", {"log", "--action", "On", "--house", "B"}, "", 2, "alone"},
       {"log of an unknown tense", {"log", "--action", "On", "--tense", "soon"}, "", 2, "none of past, present"},
+      {"1-Wire address of too few digits", {"onewire", "e9"}, "", 1, "not sixteen hex digits, such as e9:00"},
+      {"1-Wire address with a wrong CRC", {"onewire", "-"}, "4df6e5d4c3b2a128\n", 1, "is 4d but should be ac\n"},
+      {"1-Wire address turned", {"onewire", "28c3fde2050000e9"}, "", 1, "first? That would be e9:00:00:05:e2:fd:c3:28"},
+      {"pad with a wrong CRC", {"pad", "50054b467fff0c101d"}, "", 1, "should be 1c"},
+      {"pad of eight bytes", {"pad", "50054b467fff0c10"}, "", 1, "not the nine bytes"},
+      {"pad of an unknown kind", {"pad", "--kind", "ds1822"}, "", 2, "--kind is"},
+      {"pad in lower-case units", {"pad", "--units", "c"}, "", 2, "--units is"},
+      {"listen in unknown units", {"listen", "--units", "R"}, "", 2, "--units is"},
+      {"setting without a number", {"pad", "--set", "temperature="}, "", 2, "no number behind"},
+      {"setting of a part of a degree", {"pad", "--set", "lowAlarm=1.5"}, "", 2, "not a whole number"},
+      {"setting that is not finite", {"pad", "--set", "temperature=nan"}, "", 2, "no number behind"},
+      {"resolution of a DS18S20", {"pad", "--kind", "ds18s20", "--set", "resolution=9"}, "", 2, "only a ds18b20"},
       {"strings without a folder", {"strings", "check"}, "", 2, "marlow strings check FOLDER"},
       {"strings in a folder without texts", {"strings", "check", "/proc"}, "", 2, "no folder of texts"},
   };
@@ -108,6 +120,36 @@ TEST(Listen, TakesNamesFromAPropertyListAndReportsEachBadOne) {
             "\"sentence\":\"The hall lamp was dimmed by 40%.\",\"time\":\"2026-06-01T18:05:00\"}\n");
   EXPECT_NE(result.complaints.find("\"Z9\" is not the address"), std::string::npos) << result.complaints;
   EXPECT_NE(result.complaints.find("\"A2\" is not a text"), std::string::npos) << result.complaints;
+}
+
+TEST(OneWireCommands, PrintAddressesAndPadsAsTextAndJSON) {
+  EXPECT_EQ(runTool({"onewire", "E9:00:00:05:E2:FD:C3:28"}).output,
+            "e9:00:00:05:e2:fd:c3:28: compact e9000005e2fdc328, family 0x28 Thermometer (DS18B20), CRC right\n");
+  EXPECT_EQ(
+      runTool({"onewire", "--json", "ea000005e2fdc328"}).output,
+      "{\"address\":\"ea:00:00:05:e2:fd:c3:28\",\"compact\":\"ea000005e2fdc328\",\"crc\":234,\"error\":\"the CRC is ea "
+      "but should be e9\",\"family\":40,\"familyName\":\"Thermometer (DS18B20)\",\"input\":\"ea000005e2fdc328\","
+      "\"rightCRC\":233}\n");
+  EXPECT_EQ(
+      runTool({"pad", "--units", "C", "--set", "temperature=21.5,lowAlarm=-5,resolution=10", "50054b467fff0c101c"})
+          .output,
+      "58014bfb3fff0c1081: 21.5 °C, alarms below -5 °C and above 75 °C, 10 bits, CRC right\n");
+  EXPECT_EQ(
+      runTool({"pad", "--kind", "ds18s20", "--json", "<aa004b46 ffff0c10 87>"}).output,
+      "{\"bytes\":\"aa004b46ffff0c1087\",\"highAlarm\":167,\"input\":\"<aa004b46 ffff0c10 87>\",\"kind\":\"ds18s20\","
+      "\"lowAlarm\":158,\"powerOnReset\":true,\"temperature\":185,\"units\":\"F\",\"valid\":true}\n");
+}
+
+TEST(Listen, ReadsThermometersInTheUnitsAskedForButNotTheValueAfterPowerOn) {
+  const std::string input =
+      "2026-06-01T18:10:00 onewire e9000005e2fdc328 50054b467fff0c101c\n"
+      "2026-06-01T18:10:01 onewire e9000005e2fdc328 91014b467fff0c1070\n";
+  EXPECT_EQ(runTool({"listen"}, input).output,
+            "2026-06-01 18:10:00  The 1-Wire thermometer e9:00:00:05:e2:fd:c3:28 has not measured yet.\n"
+            "2026-06-01 18:10:01  The 1-Wire thermometer e9:00:00:05:e2:fd:c3:28 reads 77.11 °F.\n");
+  const std::string json = runTool({"listen", "--units", "K", "--json"}, input).output;
+  EXPECT_NE(json.find("\"temperature\":298.2125,\"time\":\"2026-06-01T18:10:01\",\"units\":\"K\""), std::string::npos)
+      << json;
 }
 
 TEST(JSON, EscapesWhatAPersonTyped) {

@@ -10,6 +10,8 @@ namespace SharedClasses::marlow {
 namespace {
 
 TEST(ParseTrafficLine, ReadsEveryShapeOfLine) {
+  constexpr const char* kDS18B20 = "e9:00:00:05:e2:fd:c3:28";
+  const std::vector<std::uint8_t> resetBytes = {0x50, 0x05, 0x4B, 0x46, 0x7F, 0xFF, 0x0C, 0x10, 0x1C};
   struct Row {
     const char* name;
     const char* line;
@@ -34,6 +36,24 @@ TEST(ParseTrafficLine, ReadsEveryShapeOfLine) {
        {}},
       {"INSTEON fast on", "2024-02-29T23:59:59 insteon 1a2b3c 0x12", "1A.2B.3C", fourCharCode("On  "), {}, {}},
       {"INSTEON dim", "2024-02-29T23:59:59 insteon 1A.2B.3C 0x16 0%", "1A.2B.3C", fourCharCode("Dim "), 0, {}},
+      {"DS18B20",
+       "2026-06-01T18:10:00 onewire e9000005e2fdc328 50054b467fff0c101c",
+       kDS18B20,
+       kNoAction,
+       {},
+       resetBytes},
+      {"its family first",
+       "2026-06-01T18:10:00 onewire 28:C3:FD:E2:05:00:00:E9 50:05:4B:46:7F:FF:0C:10:1C",
+       kDS18B20,
+       kNoAction,
+       {},
+       resetBytes},
+      {"DS18S20",
+       "2026-06-01T18:10:00 onewire a4000802715ed610 <aa004b46ffff0c1087>",
+       "a4:00:08:02:71:5e:d6:10",
+       kNoAction,
+       {},
+       {0xAA, 0, 0x4B, 0x46, 0xFF, 0xFF, 0x0C, 0x10, 0x87}},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
@@ -79,6 +99,14 @@ TEST(ParseTrafficLine, SaysWhatIsWrong) {
       {"unpadded INSTEON address", "2026-06-01T18:05:00 insteon 1.2.3 0x11", "not an INSTEON address"},
       {"decimal command", "2026-06-01T18:05:00 insteon 1A.2B.3C 17", "not a command byte"},
       {"command without an action", "2026-06-01T18:05:00 insteon 1A.2B.3C 0x19", "no action that is known"},
+      {"1-Wire address with a wrong CRC", "2026-06-01T18:05:00 onewire ea000005e2fdc328 50054b467fff0c101c",
+       "right CRC"},
+      {"1-Wire memory", "2026-06-01T18:05:00 onewire d70000000000002d 50054b467fff0c101c", "family 0x2d of"},
+      {"pad of eight bytes", "2026-06-01T18:05:00 onewire e9000005e2fdc328 50054b467fff0c10", "not a scratch pad"},
+      {"pad with a wrong CRC", "2026-06-01T18:05:00 onewire e9000005e2fdc328 50054b467fff0c101d", "of the scratch pad"},
+      {"pad of zeros, a shorted line", "2026-06-01T18:05:00 onewire a4000802715ed610 000000000000000000",
+       "degree of 0"},
+      {"more than a pad", "2026-06-01T18:05:00 onewire e9000005e2fdc328 50054b467fff0c101c 85", "more than a scratch"},
       {"NUL byte", std::string("2026-06-01T18:05:00 x10 A1\0 2", 29), "not an X10 address"},
       {"a thousand fields", "2026-06-01T18:05:00 x10 A1 2" + std::string(1000, ' ') + "x", "more than this command"},
   };

@@ -1,0 +1,44 @@
+#include "protocols/onewire/crc.h"
+
+namespace SharedClasses::OneWireUtilities {
+
+namespace {
+
+// What the register holds behind a block and its inverted CRC.
+constexpr std::uint32_t kResidue = 0xB001;
+
+}  // namespace
+
+std::uint8_t calc1WireCRC(std::span<const std::uint8_t> bytes) noexcept {
+  return static_cast<std::uint8_t>(calcCRC8OfBytesWithSeed(bytes, 0));
+}
+
+std::int32_t calcCRC8OfBytesWithSeed(std::span<const std::uint8_t> bytes, std::int32_t seed) noexcept {
+  auto crc = static_cast<std::uint8_t>(seed);
+  for (const std::uint8_t byte : bytes) {
+    crc = OneWireCRC8Table[crc ^ byte];
+  }
+  return crc;
+}
+
+std::int32_t calc1WireCRC16(std::span<const std::uint8_t> bytes) noexcept {
+  return calcCRC16OfBytesWithSeed(bytes, 0);
+}
+
+std::int32_t calcCRC16OfBytesWithSeed(std::span<const std::uint8_t> bytes, std::uint32_t seed) noexcept {
+  std::uint32_t crc = seed;
+  for (const std::uint8_t byte : bytes) {
+    std::uint32_t mixed = (byte ^ crc) & 0xFFU;
+    crc >>= 8;
+    if (OneWireCRC16Table[mixed & 0x0FU] != OneWireCRC16Table[mixed >> 4]) {
+      crc ^= 0xC001U;
+    }
+    mixed <<= 6;
+    crc ^= mixed;
+    mixed <<= 1;
+    crc ^= mixed;
+  }
+  return crc == kResidue ? kBlockChecks : kBlockFails;
+}
+
+}  // namespace SharedClasses::OneWireUtilities
