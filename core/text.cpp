@@ -242,6 +242,7 @@ void Text::format(const char* format, ...) noexcept {  // NOLINT(cert-dcl50-cpp)
   if (format != nullptr) {
     std::va_list arguments;
     va_start(arguments, format);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the line above begins the list
     if (std::vsnprintf(result.data(), result.size(), format, arguments) < 0) {
       result[0] = '\0';
     }

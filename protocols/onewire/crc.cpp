@@ -9,18 +9,6 @@ constexpr std::uint32_t kResidue = 0xB001;
 
 }  // namespace
 
-std::uint8_t calc1WireCRC(std::span<const std::uint8_t> bytes) noexcept {
-  return static_cast<std::uint8_t>(calcCRC8OfBytesWithSeed(bytes, 0));
-}
-
-std::int32_t calcCRC8OfBytesWithSeed(std::span<const std::uint8_t> bytes, std::int32_t seed) noexcept {
-  auto crc = static_cast<std::uint8_t>(seed);
-  for (const std::uint8_t byte : bytes) {
-    crc = OneWireCRC8Table[crc ^ byte];
-  }
-  return crc;
-}
-
 std::int32_t calc1WireCRC16(std::span<const std::uint8_t> bytes) noexcept {
   return calcCRC16OfBytesWithSeed(bytes, 0);
 }

@@ -25,12 +25,21 @@ inline constexpr std::array<std::uint8_t, 256> OneWireCRC8Table = [] {
 // 1 for a nibble with an odd number of set bits.
 inline constexpr std::array<std::int32_t, 16> OneWireCRC16Table = {0, 1, 1, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 1, 1, 0};
 
-// CRC-8 from 0. Over a block that ends in its own CRC it is 0.
-[[nodiscard]] std::uint8_t calc1WireCRC(std::span<const std::uint8_t> bytes) noexcept;
-
 // `calcCRC8OfBytes:withSeed:`
 // CRC-8, 0 to 255, from the low 8 bits of `seed` on.
-[[nodiscard]] std::int32_t calcCRC8OfBytesWithSeed(std::span<const std::uint8_t> bytes, std::int32_t seed) noexcept;
+[[nodiscard]] constexpr std::int32_t calcCRC8OfBytesWithSeed(std::span<const std::uint8_t> bytes,
+                                                             std::int32_t seed) noexcept {
+  auto crc = static_cast<std::uint8_t>(seed);
+  for (const std::uint8_t byte : bytes) {
+    crc = OneWireCRC8Table[crc ^ byte];
+  }
+  return crc;
+}
+
+// CRC-8 from 0. Over a block that ends in its own CRC it is 0.
+[[nodiscard]] constexpr std::uint8_t calc1WireCRC(std::span<const std::uint8_t> bytes) noexcept {
+  return static_cast<std::uint8_t>(calcCRC8OfBytesWithSeed(bytes, 0));
+}
 
 inline constexpr std::int32_t kBlockChecks = 0;
 inline constexpr std::int32_t kBlockFails = -1;

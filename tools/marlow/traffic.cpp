@@ -1,5 +1,6 @@
 #include "tools/marlow/traffic.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 
@@ -160,6 +161,9 @@ class TrafficReader {
     if (!pad->isValid()) {
       return failed("the CRC of the scratch pad " + quoted(mFields[3]) +
                     " is wrong; marlow pad says what it should be");
+    }
+    if (std::ranges::all_of(*bytes, [](std::uint8_t byte) { return byte == 0; })) {
+      return failed("the scratch pad holds nothing but zeros, as a bus with a short circuit reads");
     }
     if (*kind == ThermometerKind::DS18S20 && (*bytes)[ThermometerScratchPad::kCountPerDegree] == 0) {
       return failed("the scratch pad " + quoted(mFields[3]) + " has a count per degree of 0; nothing was read");
