@@ -106,7 +106,7 @@ TEST(ParseTrafficLine, SaysWhatIsWrong) {
       {"pad with a wrong CRC", "2026-06-01T18:05:00 onewire e9000005e2fdc328 50054b467fff0c101d", "of the scratch pad"},
       {"pad of zeros, a shorted line", "2026-06-01T18:05:00 onewire e9000005e2fdc328 000000000000000000",
        "short circuit"},
-      {"pad without counts", "2026-06-01T18:05:00 onewire a4000802715ed610 3200000000000000be", "degree of 0"},
+      {"pad without counts", "2026-06-01T18:05:00 onewire a4000802715ed610 32000000000000007a", "degree of 0"},
       {"more than a pad", "2026-06-01T18:05:00 onewire e9000005e2fdc328 50054b467fff0c101c 85", "more than a scratch"},
       {"NUL byte", std::string("2026-06-01T18:05:00 x10 A1\0 2", 29), "not an X10 address"},
       {"a thousand fields", "2026-06-01T18:05:00 x10 A1 2" + std::string(1000, ' ') + "x", "more than this command"},
