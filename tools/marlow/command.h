@@ -25,11 +25,14 @@ struct Command {
 
 // The commands, each in a source of its own name.
 extern const Command kActionCommand;
+extern const Command kAgentsCommand;
 extern const Command kInsteonCommand;
 extern const Command kListenCommand;
 extern const Command kLogCommand;
 extern const Command kOneWireCommand;
 extern const Command kPadCommand;
+extern const Command kRunCommand;
+extern const Command kRunningCommand;
 extern const Command kStringsCommand;
 extern const Command kX10Command;
 

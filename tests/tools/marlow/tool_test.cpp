@@ -55,6 +55,15 @@ TEST(ToolExitCodes, TellWrongUseFromBadInput) {
       {"resolution of a DS18S20", {"pad", "--kind", "ds18s20", "--set", "resolution=9"}, "", 2, "only a ds18b20"},
       {"strings without a folder", {"strings", "check"}, "", 2, "marlow strings check FOLDER"},
       {"strings in a folder without texts", {"strings", "check", "/proc"}, "", 2, "no folder of texts"},
+      {"run without a program", {"run"}, "", 2, "write marlow run"},
+      {"run with a limit that is none", {"run", "--limit", "-1", "--", "/bin/true"}, "", 2, "not a number of seconds"},
+      {"run of what is missing", {"run", "--", "/nonexistent"}, "", 2, "could not be started: No such file"},
+      {"run to a good end", {"run", "--limit", "inf", "--", "/bin/true"}, "", 0, ""},
+      {"run to a status", {"run", "--", "/bin/sh", "-c", "exit 3"}, "", 1, "ended with status 3"},
+      {"run over the limit", {"run", "--limit", "0", "--", "/bin/sleep", "1"}, "", 1, "was left running"},
+      {"run that prints rubbish", {"run", "--", "/usr/bin/printf", "\\377"}, "", 0, "is not UTF-8"},
+      {"running of what is and is not", {"running", "marlow", "zq8xtension"}, "", 1, ""},
+      {"running by a signature", {"running", "--signature", "Zq8x"}, "", 1, ""},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
@@ -150,6 +159,11 @@ TEST(Listen, ReadsThermometersInTheUnitsAskedForButNotTheValueAfterPowerOn) {
   const std::string json = runTool({"listen", "--units", "K", "--json"}, input).output;
   EXPECT_NE(json.find("\"temperature\":298.2125,\"time\":\"2026-06-01T18:10:01\",\"units\":\"K\""), std::string::npos)
       << json;
+}
+
+TEST(Run, PrintsWhatTheProgramPrintedAndHowItEndedAsJSON) {
+  EXPECT_EQ(runTool({"run", "--json", "--input", "x", "--", "/bin/sh", "-c", "cat; echo e >&2; exit 4"}).output,
+            "{\"error\":\"e\\u000a\",\"output\":\"x\",\"status\":4,\"timedOut\":false}\n");
 }
 
 TEST(JSON, EscapesWhatAPersonTyped) {
