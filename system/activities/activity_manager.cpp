@@ -71,8 +71,9 @@ void ActivityManager::handleActivity(platform::Timer& timer) {
   }
 }
 
-void ActivityManager::removeActivity(const std::shared_ptr<Activity>& listed) {
-  const std::shared_ptr<Activity> activity = listed;  // `listed` may go with its entry
+// The activity comes by value since the caller's own pointer may go with the entry.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
+void ActivityManager::removeActivity(std::shared_ptr<Activity> activity) {
   if (activity == nullptr || activity->mManager != this) {
     return;
   }

@@ -35,7 +35,7 @@ class ActivityManager {
 
   // Takes it out of the list, aborts it if its timer still ran, and stops every timer that it was ever given. Ignored when it
   // is null or not listed.
-  void removeActivity(const std::shared_ptr<Activity>& listed);
+  void removeActivity(std::shared_ptr<Activity> activity);
 
   // Aborts and removes what is listed now; what their callbacks add beside it stays.
   void removeAllActivities();
