@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -26,19 +27,26 @@ class LaunchError : public std::runtime_error {
   std::string mReason;
 };
 
+// A variable of the environment that a child has otherwise than its host.
+struct EnvironmentChange {
+  std::string name;
+  std::optional<std::string> value;  // absent: the child has no such variable
+};
+
 // How many bytes a pipe to or from a child holds, where the system allows it: what a child may print before anybody reads.
 inline constexpr int kChildPipeSize = 1 << 20;
 
 class ChildProcess {
  public:
-  // Starts the program at `path` with `arguments` behind its own name. Throws LaunchError when that fails, for want of the
-  // file, of rights, of memory or of descriptors, and for a NUL in any text, which the system
-  // would cut there; a text without "#!" is not run by a shell.
-  ChildProcess(const std::string& path, const std::vector<std::string>& arguments);
+  // Starts the program at `path` with `arguments` behind its own name, in this process's environment with `changes` to
+  // it. Throws LaunchError when that fails, for want of the file, of rights, of memory or of descriptors, and for a NUL
+  // in any text, which the system would cut there; a text without "#!" is not run by a shell.
+  ChildProcess(const std::string& path, const std::vector<std::string>& arguments,
+               const std::vector<EnvironmentChange>& changes = {});
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
-  // Closes our ends of the pipes. A child that still runs is left running; it is reaped when a later one is started or
-  // let go of.
+  // Closes our ends of the pipes. A child that still runs is left running, but SIGPIPE ends it if it prints on; it is
+  // reaped when a later one is started or let go of.
   ~ChildProcess();
 
   [[nodiscard]] std::int32_t processID() const;
@@ -66,8 +74,8 @@ class ChildProcess {
   std::unique_ptr<System> mSystem;
 };
 
-// Writes what a pipe takes of `bytes`, from `written` on, and moves `written`. False when nobody will read the rest. Never
-// waits, and raises no SIGPIPE.
+// Writes what a pipe takes of `bytes`, from `written` on, at most kChildPipeSize bytes, and moves `written`. False when
+// nobody will read the rest. Never waits, and raises no SIGPIPE.
 [[nodiscard]] bool writeToPipe(int descriptor, const std::string& bytes, std::size_t* written);
 
 enum class PipeEnd {

@@ -1,6 +1,7 @@
 #include "platform/clock.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 
 #include "platform/saturating.h"
@@ -11,6 +12,8 @@ namespace {
 
 constexpr std::chrono::nanoseconds kLongestSpan = std::chrono::years(100);
 constexpr double kUnixTimeOfReference = 978307200.0;  // 2001-01-01 00:00:00 UTC
+
+std::atomic<const Clock*> sCurrent = nullptr;  // null for the system's own
 
 class SystemClock : public Clock {
  public:
@@ -28,6 +31,15 @@ class SystemClock : public Clock {
 const Clock& Clock::system() {
   static const auto* const sClock = new SystemClock;  // never destroyed: threads may ask until the process ends
   return *sClock;
+}
+
+const Clock& Clock::current() {
+  const Clock* const clock = sCurrent;
+  return clock != nullptr ? *clock : system();
+}
+
+void Clock::setCurrent(const Clock* clock) {
+  sCurrent = clock;
 }
 
 std::chrono::nanoseconds spanOfSeconds(double seconds) {

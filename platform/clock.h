@@ -2,6 +2,7 @@
 // The system's is the usual one; tests move one by hand. Safe on any thread.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 
 #include "platform/date.h"
@@ -22,10 +23,21 @@ class Clock {
 
   // The system's own; lives until the process ends.
   [[nodiscard]] static const Clock& system();
+
+  // What the library reads "today" and "now" from: the system's own, or the one that was set.
+  [[nodiscard]] static const Clock& current();
+  // Sets it for the whole program; `clock` must live until another is set. Null for the system's own.
+  static void setCurrent(const Clock* clock);
 };
 
 // `seconds` as the nearest span of whole nanoseconds: 0 for what is negative or not a number; at most a hundred years, which
 // also stands for infinity.
 [[nodiscard]] std::chrono::nanoseconds spanOfSeconds(double seconds);
+
+// `time` and `span`, which is not negative, later; at most the last time that can be counted, which is 292 years.
+[[nodiscard]] constexpr std::chrono::nanoseconds timeAfter(std::chrono::nanoseconds time,
+                                                           std::chrono::nanoseconds span) {
+  return std::min(time, std::chrono::nanoseconds::max() - span) + span;
+}
 
 }  // namespace SharedClasses::platform

@@ -3,7 +3,8 @@
 // whenever something is due, a timer included, and runOnce(0) then serves it. docs/run_loop.md shows both.
 // All callbacks run on the loop's thread. What they throw is logged and dropped; they may add, move and stop anything,
 // themselves included, and may call runOnce again: a callback that still runs is not called a second time inside.
-// Everything here belongs to the loop's thread but wakeUp() and call(), which any thread may use.
+// Everything here belongs to the loop's thread but wakeUp() and call(), which any thread may use as long as the loop
+// lives; current() goes with its thread. A loop serves the process that made it: a fork must not use it.
 #pragma once
 
 #include <chrono>
@@ -40,8 +41,8 @@ class RunLoop {
   RunLoop& operator=(const RunLoop&) = delete;
   ~RunLoop();  // timers become invalid; not from one of its callbacks
 
-  // The calling thread's, made at its first use and gone with the thread. What the thread destroys after it gets another,
-  // which is never destroyed.
+  // The calling thread's, made at its first use, with Clock::current() of then, and gone with the thread. What the
+  // thread destroys after it gets another, which is never destroyed.
   [[nodiscard]] static RunLoop& current();
 
   // A timer that fires first after `firstAfter`, or after one interval, and then at every interval. The loop holds it until
@@ -60,7 +61,8 @@ class RunLoop {
   void wakeUp();
 
   // Waits until something is due, at most `longest`, and serves one thing: one timer, one descriptor or one call. A negative
-  // or zero span looks once. True when something was served, be it by a runOnce inside of the pump. Sleeps while it waits.
+  // or zero span looks once. True when something was served, be it by a runOnce inside of the pump; false when the time
+  // was over or a wake-up ended the wait. Sleeps while it waits.
   // Timers have every other turn, so that neither they nor the rest can keep the other waiting.
   bool runOnce(std::chrono::nanoseconds longest);
 

@@ -93,8 +93,8 @@ bool TimerHeap::fireIfDue() {
   }
   if (!timer->mWasMoved) {
     // The first point of the grid that is still to come.
-    const auto late = std::max(mClock.steadyTime() - timer->mDeadline, std::chrono::nanoseconds(0));
-    timer->mDeadline += (late / timer->mInterval + 1) * timer->mInterval;
+    const auto now = std::max(mClock.steadyTime(), timer->mDeadline);
+    timer->mDeadline = timeAfter(now, timer->mInterval - (now - timer->mDeadline) % timer->mInterval);
   }
   insert(std::move(timer));
   return true;

@@ -12,6 +12,7 @@
 #include <csignal>
 #include <mutex>
 #include <optional>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -139,8 +140,8 @@ class SpawnSetup {
   }
 
   // The error of the first step that failed; 0 when none did.
-  [[nodiscard]] int spawn(pid_t* child, const char* path, char* const* words) const {
-    return mError != 0 ? mError : ::posix_spawn(child, path, &mActions, &mAttributes, words, environ);
+  [[nodiscard]] int spawn(pid_t* child, const char* path, char* const* words, char* const* environment) const {
+    return mError != 0 ? mError : ::posix_spawn(child, path, &mActions, &mAttributes, words, environment);
   }
 
  private:
@@ -151,7 +152,39 @@ class SpawnSetup {
   int mError = 0;
 };
 
-// SIGPIPE kept from the calling thread while this lives; one that was raised meanwhile is taken away again.
+bool holdsNUL(const std::string& text) {
+  return text.find('\0') != std::string::npos;
+}
+
+// `texts` as the system takes them, with a null behind the last.
+std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
+  for (const std::string& text : texts) {
+    pointers.push_back(const_cast<char*>(text.c_str()));
+  }
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+// This process's environment with `changes` to it, one "NAME=value" each.
+std::vector<std::string> environmentWith(const std::vector<EnvironmentChange>& changes) {
+  std::vector<std::string> variables;
+  for (char* const* variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
+    const std::string_view name = std::string_view(*variable).substr(0, std::string_view(*variable).find('='));
+    if (std::ranges::find(changes, name, &EnvironmentChange::name) == changes.end()) {
+      variables.emplace_back(*variable);
+    }
+  }
+  for (const EnvironmentChange& change : changes) {
+    if (change.value) {
+      variables.push_back(change.name + "=" + *change.value);
+    }
+  }
+  return variables;
+}
+
+// SIGPIPE kept from the calling thread while this lives.
 class PipeSignalScope {
  public:
   PipeSignalScope() {
@@ -164,13 +197,13 @@ class PipeSignalScope {
   }
   PipeSignalScope(const PipeSignalScope&) = delete;
   PipeSignalScope& operator=(const PipeSignalScope&) = delete;
-  ~PipeSignalScope() {
-    if (!mWasPending) {
-      const timespec now{};
-      while (::sigtimedwait(&mPipeSignal, nullptr, &now) < 0 && errno == EINTR) {
-      }
+  ~PipeSignalScope() { ::pthread_sigmask(SIG_SETMASK, &mBefore, nullptr); }
+
+  // Takes away the one that a write has raised, unless one was pending before.
+  void takeRaised() const {
+    const timespec now{};
+    while (!mWasPending && ::sigtimedwait(&mPipeSignal, nullptr, &now) < 0 && errno == EINTR) {
     }
-    ::pthread_sigmask(SIG_SETMASK, &mBefore, nullptr);
   }
 
  private:
@@ -188,24 +221,25 @@ LaunchError::LaunchError(std::string path, std::string reason)
 
 class ChildProcess::System {
  public:
-  System(const std::string& path, const std::vector<std::string>& arguments) {
+  System(const std::string& path, const std::vector<std::string>& arguments,
+         const std::vector<EnvironmentChange>& changes) {
     Abandoned::reap();
-    if (path.find('\0') != std::string::npos) {
+    if (holdsNUL(path)) {
       throw LaunchError(path, textOf(ENOENT));  // The system would start another program.
     }
-    if (std::ranges::any_of(arguments, [](const std::string& word) { return word.find('\0') != std::string::npos; })) {
+    std::vector<std::string> words{path};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    const std::vector<std::string> environment = environmentWith(changes);
+    if (std::ranges::any_of(words, holdsNUL) || std::ranges::any_of(environment, holdsNUL)) {
       throw LaunchError(path, textOf(EINVAL));  // The program would be told something else.
     }
     Pipe inputPipe = makePipe(path);
     Pipe outputPipe = makePipe(path);
     Pipe errorPipe = makePipe(path);
-    std::vector<char*> words{const_cast<char*>(path.c_str())};
-    for (const std::string& argument : arguments) {
-      words.push_back(const_cast<char*>(argument.c_str()));
-    }
-    words.push_back(nullptr);
     const SpawnSetup setup(inputPipe.readEnd, outputPipe.writeEnd, errorPipe.writeEnd);
-    if (const int error = setup.spawn(&mChild.processID, path.c_str(), words.data()); error != 0) {
+    if (const int error =
+            setup.spawn(&mChild.processID, path.c_str(), pointersTo(words).data(), pointersTo(environment).data());
+        error != 0) {
       throw LaunchError(path, textOf(error));
     }
     mChild.descriptor = awayFromStandardStreams(Descriptor(::pidfd_open(mChild.processID, 0)));
@@ -239,8 +273,9 @@ class ChildProcess::System {
   Descriptor mError;
 };
 
-ChildProcess::ChildProcess(const std::string& path, const std::vector<std::string>& arguments)
-    : mSystem(std::make_unique<System>(path, arguments)) {}
+ChildProcess::ChildProcess(const std::string& path, const std::vector<std::string>& arguments,
+                           const std::vector<EnvironmentChange>& changes)
+    : mSystem(std::make_unique<System>(path, arguments, changes)) {}
 
 ChildProcess::~ChildProcess() = default;
 
@@ -254,15 +289,19 @@ bool ChildProcess::isRunning() {
 
 bool ChildProcess::waitForEnd(std::chrono::nanoseconds longest) {
   const auto end = Clock::system().steadyTime() + std::clamp(longest, kNoWait, kLongestWait);
+  // Without a descriptor for its end it is looked at now and then, and also where that is ready before the end is ours,
+  // as that of a child which is traced.
+  int watched = endDescriptor();
   while (isRunning()) {
     const std::chrono::nanoseconds left = end - Clock::system().steadyTime();
     if (left <= std::chrono::nanoseconds(0)) {
       return false;
     }
-    // Without a descriptor for its end it is looked at now and then.
-    pollfd ended{endDescriptor(), POLLIN, 0};
-    const timespec span = timespecOf(endDescriptor() < 0 ? std::min(left, kUnwatchedStep) : left);
-    ::ppoll(&ended, 1, &span, nullptr);
+    pollfd ended{watched, POLLIN, 0};
+    const timespec span = timespecOf(watched < 0 ? std::min(left, kUnwatchedStep) : left);
+    if (::ppoll(&ended, 1, &span, nullptr) > 0) {
+      watched = -1;
+    }
   }
   return true;
 }
@@ -292,11 +331,18 @@ void ChildProcess::closeInput() {
 }
 
 bool writeToPipe(int descriptor, const std::string& bytes, std::size_t* written) {
+  if (*written >= bytes.size()) {
+    return true;
+  }
   const PipeSignalScope scope;
-  while (*written < bytes.size()) {
-    const ssize_t count = ::write(descriptor, bytes.data() + *written, bytes.size() - *written);
+  // Bounded: somebody may read as fast as we write.
+  for (const std::size_t end = std::min(bytes.size(), *written + kChildPipeSize); *written < end;) {
+    const ssize_t count = ::write(descriptor, bytes.data() + *written, end - *written);
     if (count >= 0) {
       *written += static_cast<std::size_t>(count);
+    } else if (errno == EPIPE) {
+      scope.takeRaised();
+      return false;
     } else if (errno != EINTR) {
       return errno == EAGAIN;
     }

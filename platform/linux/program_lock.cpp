@@ -5,9 +5,11 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <map>
 #include <mutex>
 #include <optional>
+#include <thread>
 #include <vector>
 
 #include "platform/files.h"
@@ -20,6 +22,9 @@ namespace SharedClasses::platform {
 namespace {
 
 constexpr const char* kSystemFolder = "/run/lock";  // where programs of other users see a lock
+constexpr int kOpenFlags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+constexpr int kAttempts = 5;
+constexpr std::chrono::milliseconds kAttemptStep{1};
 
 // Names may hold any bytes; files are named by their hex.
 std::string fileName(const std::string& name) {
@@ -30,12 +35,24 @@ std::string fileName(const std::string& name) {
   return file + ".lock";
 }
 
-std::vector<std::string> lockFiles(const std::string& name) {
-  std::vector<std::string> files;
-  if (const auto runtimeFolder = environmentVariable("XDG_RUNTIME_DIR"); runtimeFolder && !runtimeFolder->empty()) {
-    files.push_back(pathInFolder(*runtimeFolder, fileName(name)));
+// The environment may still name the folder of the user who was before us.
+bool isOwnFolder(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid();
+}
+
+struct LockFile {
+  std::string path;
+  mode_t mode;
+};
+
+std::vector<LockFile> lockFiles(const std::string& name) {
+  std::vector<LockFile> files;
+  if (const auto runtimeFolder = environmentVariable("XDG_RUNTIME_DIR"); runtimeFolder && isOwnFolder(*runtimeFolder)) {
+    // What is sticky there is left alone by those who clean up.
+    files.push_back({pathInFolder(*runtimeFolder, fileName(name)), 01644});
   }
-  files.push_back(pathInFolder(kSystemFolder, fileName(name)));
+  files.push_back({pathInFolder(kSystemFolder, fileName(name)), 0644});
   return files;
 }
 
@@ -46,16 +63,32 @@ struct flock wholeFile(short kind) {
   return lock;
 }
 
+Descriptor openForReading(const std::string& path) {
+  return Descriptor(::open(path.c_str(), kOpenFlags));
+}
+
 // Every holder takes a shared lock, for which a file that another user made need only be readable. Such a file is opened
 // without O_CREAT: in a folder that everybody may write the system refuses that for files of others.
-Descriptor takeLock(const std::string& file) {
-  constexpr mode_t kMode = 0644;
-  constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
-  Descriptor descriptor(::open(file.c_str(), kFlags));
-  if (!descriptor.isOpen()) {
-    descriptor = Descriptor(::open(file.c_str(), kFlags | O_CREAT, kMode));
-    ::fchmod(descriptor.get(), kMode);  // whatever our mask: others could not tell whether an unreadable file is locked
+Descriptor openOrMake(const LockFile& file) {
+  if (Descriptor existing = openForReading(file.path); existing.isOpen()) {
+    return existing;
   }
+  if (Descriptor made(::open(file.path.c_str(), kOpenFlags | O_CREAT, file.mode)); made.isOpen()) {
+    ::fchmod(made.get(), file.mode);  // whatever our mask: others could not tell whether an unreadable file is locked
+    return made;
+  }
+  // Another user's program may just have made it, and not yet have given it its mode.
+  for (int attempt = 0; errno == EACCES && attempt < kAttempts; ++attempt) {
+    std::this_thread::sleep_for(kAttemptStep);
+    if (Descriptor others = openForReading(file.path); others.isOpen()) {
+      return others;
+    }
+  }
+  return {};
+}
+
+Descriptor takeLock(const LockFile& file) {
+  Descriptor descriptor = openOrMake(file);
   struct flock lock = wholeFile(F_RDLCK);
   if (descriptor.isOpen() && ::fcntl(descriptor.get(), F_OFD_SETLK, &lock) != 0) {
     descriptor.reset();
@@ -63,8 +96,8 @@ Descriptor takeLock(const std::string& file) {
   return descriptor;
 }
 
-bool isLocked(const std::string& file) {
-  const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+bool isLocked(const LockFile& file) {
+  const Descriptor descriptor = openForReading(file.path);
   if (!descriptor.isOpen()) {
     return errno != ENOENT;
   }
@@ -90,19 +123,25 @@ bool holdProgramLock(const std::string& name) {
   if (!held.empty()) {
     return true;
   }
-  for (const std::string& file : lockFiles(name)) {
+  std::string refused;
+  for (const LockFile& file : lockFiles(name)) {
     if (Descriptor descriptor = takeLock(file); descriptor.isOpen()) {
       held.push_back(std::move(descriptor));
+    } else {
+      refused = file.path;
     }
   }
   if (held.empty()) {
     log("No lock could be taken for the program \"" + name + "\": others will not see that it runs.");
+  } else if (!refused.empty()) {
+    log("The lock " + refused + " could not be taken for the program \"" + name +
+        "\": some will not see that it runs.");
   }
   return !held.empty();
 }
 
 bool isProgramLockHeld(const std::string& name) {
-  for (const std::string& file : lockFiles(name)) {
+  for (const LockFile& file : lockFiles(name)) {
     if (isLocked(file)) {
       return true;
     }

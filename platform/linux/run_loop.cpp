@@ -125,19 +125,26 @@ class RunLoop::System {
   bool runOnce(nanoseconds longest) {
     const nanoseconds end = realTime() + std::clamp(longest, kNothing, nanoseconds(std::chrono::years(100)));
     while (true) {
-      const Served served = serve();
-      if (served != Served::Nothing) {
-        ++mServings;
-        return served == Served::Something;
+      switch (serve()) {
+        case Served::Something:
+          ++mServings;
+          return true;
+        case Served::WakeUp:
+          ++mWakeUps;
+          return false;
+        case Served::Nothing:
+          break;
       }
       const nanoseconds left = longest <= kNothing ? kNothing : end - realTime();
       if (left <= kNothing) {
         return false;
       }
-      const std::uint64_t before = mServings;
+      const std::uint64_t servings = mServings;
+      const std::uint64_t wakeUps = mWakeUps;
       wait(std::min(left, kLongestWait));
-      if (mServings != before) {
-        return true;  // a runOnce inside of the pump served what this one waited for
+      // A runOnce inside of the pump may have taken what this one waited for.
+      if (mServings != servings || mWakeUps != wakeUps) {
+        return mServings != servings;
       }
     }
   }
@@ -295,7 +302,8 @@ class RunLoop::System {
   std::unordered_map<std::uint64_t, std::shared_ptr<Source>> mSources;
   std::uint64_t mNextWatch = kFirstWatch;
   std::shared_ptr<const Pump> mPump;  // null for none
-  std::uint64_t mServings = 0;        // how often a runOnce came to an end by what it found
+  std::uint64_t mServings = 0;        // how often a runOnce served something
+  std::uint64_t mWakeUps = 0;         // how often one was ended by a wake-up
   bool mIsTimersTurn = false;         // at the look before
 
   std::mutex mMutex;  // guards the two below
@@ -324,11 +332,11 @@ RunLoop::~RunLoop() = default;
 RunLoop& RunLoop::current() {
   thread_local bool sIsOver = false;
   struct OfThread {
-    RunLoop loop;
+    RunLoop loop{Clock::current()};
     ~OfThread() { sIsOver = true; }
   };
   if (sIsOver) {
-    thread_local auto* const sLate = new RunLoop;
+    thread_local auto* const sLate = new RunLoop(Clock::current());
     return *sLate;
   }
   thread_local OfThread sOwn;
@@ -339,7 +347,7 @@ std::shared_ptr<Timer> RunLoop::addTimer(nanoseconds interval, Timer::Callback c
                                          std::optional<nanoseconds> firstAfter) {
   const nanoseconds first = firstAfter ? std::clamp(*firstAfter, kNothing, kLongestTimerInterval)
                                        : std::clamp(interval, kShortestTimerInterval, kLongestTimerInterval);
-  return mSystem->timers().add(clock().steadyTime() + first, interval, std::move(callback));
+  return mSystem->timers().add(timeAfter(clock().steadyTime(), first), interval, std::move(callback));
 }
 
 std::unique_ptr<Watch> RunLoop::watch(int descriptor, Readiness readiness, std::function<void()> callback) {

@@ -44,6 +44,14 @@ platform::ObjectPointer Activity::callBackObj() {
   return mCallsItself ? weak_from_this().lock() : mCallBackObj;
 }
 
+void Activity::setTimer(std::shared_ptr<platform::Timer> timer) {
+  std::erase_if(mFormerTimers, [&](const auto& former) { return !former->isValid() || former == timer; });
+  if (mTimer != nullptr && mTimer != timer && mTimer->isValid()) {
+    mFormerTimers.push_back(std::move(mTimer));
+  }
+  mTimer = std::move(timer);
+}
+
 void Activity::setInterval(double /*interval*/) {
   const std::shared_ptr<Activity> self = weak_from_this().lock();  // the timer may be the last to hold it
   if (mTimer != nullptr) {
@@ -62,7 +70,11 @@ bool Activity::makeProgress(const platform::Value& /*ignored*/) {
     return true;
   }
   const platform::Value arguments[] = {self, callBackUserInfo()};
-  return isTrue(object->performSelector(mCallBackSelector, arguments));
+  const platform::Value answer = object->performSelector(mCallBackSelector, arguments);
+  if (answer.isAbsent() && !object->respondsToSelector(mCallBackSelector)) {
+    throw UnknownSelector(mCallBackSelector);
+  }
+  return isTrue(answer);
 }
 
 void Activity::abort() {
@@ -111,7 +123,7 @@ void Activity::tellAbort() {
 }
 
 void Activity::stopTimers() {
-  for (const auto& timer : std::exchange(mStartedTimers, {})) {
+  for (const auto& timer : std::exchange(mFormerTimers, {})) {
     timer->invalidate();
   }
   if (mTimer != nullptr) {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +38,12 @@ struct ActivityFunctions {
   std::function<void()> abort = {};         // may be empty
 };
 
+// A callback object was to make progress and does not know the selector for it.
+class UnknownSelector : public std::logic_error {
+ public:
+  using std::logic_error::logic_error;
+};
+
 class Activity : public platform::Object, public std::enable_shared_from_this<Activity> {
  public:
   // `init:callBackObject:selector:abortSelector:userInfo:`
@@ -51,14 +58,16 @@ class Activity : public platform::Object, public std::enable_shared_from_this<Ac
   [[nodiscard]] double interval() const { return mInterval; }  // seconds
   [[nodiscard]] const std::shared_ptr<platform::Timer>& timer() const { return mTimer; }
 
-  // The old timer is let go of, not stopped.
-  void setTimer(std::shared_ptr<platform::Timer> timer) { mTimer = std::move(timer); }
+  // The old timer is not stopped before the activity's end.
+  void setTimer(std::shared_ptr<platform::Timer> timer);
 
   // Stops the timer and starts a new one on the calling thread's run loop.
   // Kept: `interval` is not taken over; the new timer ticks at the interval that the activity was made with.
   void setInterval(double interval);
 
-  // Asks for progress: true when the work is done. The argument is not looked at. Lets through what the callback throws.
+  // Asks for progress: true when the work is done. The argument is not looked at. Lets through what the callback
+  // throws, and throws UnknownSelector where the callback object does not know the selector; the manager then ends the
+  // activity.
   [[nodiscard]] bool makeProgress(const platform::Value& ignored = {});
 
   // Stops the timer, tells the callback, and has the activity taken out of its manager's list. Does nothing where the timer
@@ -79,9 +88,9 @@ class Activity : public platform::Object, public std::enable_shared_from_this<Ac
   void stopTimers();
 
   std::shared_ptr<platform::Timer> mTimer;  // null before it is added and after it has left the list
-  std::vector<std::shared_ptr<platform::Timer>> mStartedTimers;  // by its manager; mTimer's forerunners may still run
-  double mInterval;                                              // seconds
-  platform::ObjectPointer mCallBackObj;                          // null when the activity calls itself or functions
+  std::vector<std::shared_ptr<platform::Timer>> mFormerTimers;  // mTimer's forerunners that may still run
+  double mInterval;                                             // seconds
+  platform::ObjectPointer mCallBackObj;                         // null when the activity calls itself or functions
   std::string mCallBackSelector;
   std::string mCallBackAbortSelector;  // may be empty
   std::weak_ptr<platform::Object> mCallBackUserInfo;

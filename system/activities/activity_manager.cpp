@@ -115,8 +115,6 @@ void ActivityManager::startTimer(Activity& activity) {
   };
   auto timer = platform::RunLoop::current().addTimer(platform::spanOfSeconds(activity.interval()), tick);
   timer->setUserInfo(activity.weak_from_this().lock());
-  std::erase_if(activity.mStartedTimers, [](const auto& started) { return !started->isValid(); });
-  activity.mStartedTimers.push_back(timer);
   activity.setTimer(std::move(timer));
 }
 

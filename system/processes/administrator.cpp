@@ -1,7 +1,5 @@
 #include "system/processes/administrator.h"
 
-#include <optional>
-
 #include "system/processes/simple_task.h"
 
 namespace SharedClasses {
@@ -11,32 +9,43 @@ namespace {
 constexpr double kProgramLimit = 5.0;  // seconds
 constexpr double kUserLimit = 120.0;   // seconds
 
-// What pkexec ends with where the user said no; its other failures all share one number.
-constexpr std::int32_t kPkexecRefused = 126;
+// What pkexec ends with where the program was not run; any other status is the program's.
+constexpr std::int32_t kQuestionDismissed = 126;
+constexpr std::int32_t kNotAuthorized = 127;
 
-// The exit status; absent where the program could not be started or did not end in time.
-std::optional<std::int32_t> statusOf(const std::string& path, const std::vector<std::string>& arguments, double limit) {
+struct Run {
+  enum {
+    NotStarted,
+    Unfinished,  // when its time was over
+    Ended
+  } outcome;
+  std::int32_t status = 0;  // -1 where the host has taken it away
+};
+
+Run runOf(const std::string& path, const std::vector<std::string>& arguments, double limit) {
   try {
     SimpleTask task({.launchPath = path, .arguments = arguments, .maxSecondsToWait = limit});
-    return task.isRunning() ? std::nullopt : std::optional(task.terminationStatus());
+    return task.isRunning() ? Run{Run::Unfinished} : Run{Run::Ended, task.terminationStatus()};
   } catch (const platform::LaunchError&) {
-    return std::nullopt;
+    return {Run::NotStarted};
   }
 }
 
 }  // namespace
 
 std::int32_t Administrator::execute(const std::string& path, const std::vector<std::string>& arguments) {
-  if (statusOf(path, arguments, kProgramLimit) == 0) {
+  // The user is not asked where the program may have done its work.
+  const Run plain = runOf(path, arguments, kProgramLimit);
+  if (plain.outcome != Run::NotStarted && plain.status <= 0) {
     return kDone;
   }
   std::vector<std::string> words{path};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  const std::optional<std::int32_t> status = statusOf("/usr/bin/pkexec", words, kUserLimit);
-  if (status == 0) {
-    return kDone;
+  const Run asked = runOf(mPkexec, words, kUserLimit);
+  if (asked.outcome != Run::Ended || asked.status == kNotAuthorized) {
+    return kNotPossible;
   }
-  return status == kPkexecRefused ? kRefused : kNotPossible;
+  return asked.status == kQuestionDismissed ? kRefused : kDone;
 }
 
 }  // namespace SharedClasses

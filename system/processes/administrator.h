@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/privileged_execution.h"
@@ -12,8 +13,14 @@ namespace SharedClasses {
 
 class Administrator : public platform::PrivilegedExecution {
  public:
-  // Serves the thread's run loop while it waits; the user has two minutes to answer.
+  explicit Administrator(std::string pkexec = "/usr/bin/pkexec") : mPkexec(std::move(pkexec)) {}
+
+  // pkexec is asked where the program could not be started as we are or ended with another status than 0. Serves the
+  // thread's run loop while it waits; the user has two minutes to answer.
   [[nodiscard]] std::int32_t execute(const std::string& path, const std::vector<std::string>& arguments) override;
+
+ private:
+  std::string mPkexec;  // its path
 };
 
 }  // namespace SharedClasses

@@ -28,10 +28,18 @@ using platform::Value;
 using Text = std::optional<std::string>;
 
 constexpr std::string_view kClassicName = "TruBlueEnvironment";
-constexpr std::size_t kListedNameLength = 15;                              // the system's listings cut names here
-constexpr double kPatience = 10.0;                                         // seconds for a chain of tools in all
-constexpr double kQuitPatience = 5.0;                                      // seconds for an agent to quit
-constexpr std::chrono::nanoseconds kLook = std::chrono::milliseconds(50);  // between two looks at a process
+constexpr std::size_t kListedNameLength = 15;  // the system's listings cut names here
+constexpr double kAnswerLimit = 2.0;           // seconds for one tool
+constexpr double kFilterLimit = 1.1;           // seconds for one that counts names
+constexpr double kPatience = 10.0;             // seconds for a chain of tools in all
+constexpr double kQuitPatience = 5.0;          // seconds for an agent to quit
+constexpr std::chrono::nanoseconds kLookInterval = std::chrono::milliseconds(50);  // between two looks at a process
+
+// Tools answer the same whatever the host's language and terminal: letters of either case are matched by that of the
+// host, and names are cut at its number of columns.
+std::vector<platform::EnvironmentChange> toolEnvironment() {
+  return {{"LC_ALL", "C.UTF-8"}, {"COLUMNS", std::nullopt}};
+}
 
 struct Step {
   const char* path;
@@ -55,7 +63,8 @@ Text outputOfChain(const std::vector<Step>& steps) {
                      .arguments = step.arguments,
                      .inputText = std::move(input),
                      .outputText = &output,
-                     .maxSecondsToWait = std::min(step.limit, left.count())});
+                     .maxSecondsToWait = std::min(step.limit, left.count()),
+                     .environmentChanges = toolEnvironment()});
     task.waitForEnd(end - clock.steadyTime());
   }
   return output;
@@ -74,7 +83,7 @@ std::string reasonOf(const std::function<void()>& work) {
 // The output of one tool; absent also where it cannot be started.
 Text outputOfTool(const char* path, std::vector<std::string> arguments) {
   Text output;
-  static_cast<void>(reasonOf([&] { output = outputOfChain({{path, std::move(arguments), 2.0}}); }));
+  static_cast<void>(reasonOf([&] { output = outputOfChain({{path, std::move(arguments), kAnswerLimit}}); }));
   return output;
 }
 
@@ -112,12 +121,20 @@ std::optional<Value::Dictionary> foreignAgent() {
   return std::nullopt;
 }
 
+void serveRunLoopFor(std::chrono::nanoseconds span) {
+  const platform::Clock& clock = platform::Clock::system();
+  const std::chrono::nanoseconds end = clock.steadyTime() + span;
+  while (clock.steadyTime() < end) {
+    platform::RunLoop::current().runOnce(end - clock.steadyTime());
+  }
+}
+
 // Programs that state no signature, by the names of their processes.
 struct ForeignProgram {
   platform::FourCharCode signature;
   const char* processName;
 };
-constexpr ForeignProgram sForeignPrograms[] = {
+constexpr ForeignProgram kForeignPrograms[] = {
     {kAIMSignature, "^aim"}, {kiChatSignature, "^iChat"}, {kAdiumSignature, "^Adium"}, {kYahooSignature, "^Yahoo"}};
 
 bool hasSignature(platform::FourCharCode signature) {
@@ -158,8 +175,8 @@ void stateSignature(platform::FourCharCode signature) {
 }
 
 bool isProcessRunning(platform::FourCharCode signature) {
-  const auto foreign = std::ranges::find(sForeignPrograms, signature, &ForeignProgram::signature);
-  if (foreign != std::end(sForeignPrograms)) {
+  const auto foreign = std::ranges::find(kForeignPrograms, signature, &ForeignProgram::signature);
+  if (foreign != std::end(kForeignPrograms)) {
     return isProcessNameRunning(foreign->processName);
   }
   return platform::isProgramLockHeld(stringFromFourCharCode(signature));
@@ -171,11 +188,12 @@ bool isClassicRunning() {
     SimpleTask task({.launchPath = "/bin/ps",
                      .arguments = std::vector<std::string>{"acx", "-o", "command"},
                      .outputText = &names,
-                     .maxSecondsToWait = 2.0});
+                     .maxSecondsToWait = kAnswerLimit,
+                     .environmentChanges = toolEnvironment()});
     const platform::Clock& clock = platform::Clock::system();
     const std::chrono::nanoseconds end = clock.steadyTime() + std::chrono::seconds(1);
     while (task.isRunning() && clock.steadyTime() < end) {
-      platform::RunLoop::current().runOnce(kLook);
+      platform::RunLoop::current().runOnce(kLookInterval);
     }
   }));
   return names && names->find(kClassicName.substr(0, kListedNameLength)) != std::string::npos;
@@ -191,10 +209,10 @@ bool isProcessNameRunning(std::optional<std::string_view> name) {
   }
   Text count;
   const std::string fault = reasonOf([&] {
-    count = outputOfChain({{"/bin/ps", {"acxo", "command"}, 2.0},
-                           {"/usr/bin/grep", {"-i", pattern}, 1.1},
-                           {"/usr/bin/wc", {"-l"}, 1.1},
-                           {"/usr/bin/awk", {"{ print $1; }"}, 1.1}});
+    count = outputOfChain({{"/bin/ps", {"acxo", "command"}, kAnswerLimit},
+                           {"/usr/bin/grep", {"-i", pattern}, kFilterLimit},
+                           {"/usr/bin/wc", {"-l"}, kFilterLimit},
+                           {"/usr/bin/awk", {"{ print $1; }"}, kFilterLimit}});
   });
   if (!fault.empty()) {
     platform::log("+ [ Utilities isProcessNameRunning ] got an exception: " + fault);
@@ -208,16 +226,20 @@ bool isIndigoRunning() {
 }
 
 bool isXTensionRunning() {
+  // Kept: there must be a character before the X, and lines of the listing begin with the name: a process that is named
+  // exactly "XTension" is not found.
   return isProcessNameRunning("[^e]XTension");
 }
 
 Value::List runningAgentsInfo() {
   Value::List agents;
   Text listing;
+  // Kept: an agent that has ended is listed until its parent has waited for it, and counts as running until then:
+  // quitForeignAgent says that it stays.
   const std::string fault = reasonOf([&] {
-    listing = outputOfChain({{"/bin/ps", {"acxo", "pid,uid,user,command"}, 2.0},
-                             {"/usr/bin/grep", {"MarlowAgent"}, 2.0},
-                             {"/usr/bin/awk", {"{ print $1, $2, $3, $4; }"}, 2.0}});
+    listing = outputOfChain({{"/bin/ps", {"acxo", "pid,uid,user,command"}, kAnswerLimit},
+                             {"/usr/bin/grep", {"MarlowAgent"}, kAnswerLimit},
+                             {"/usr/bin/awk", {"{ print $1, $2, $3, $4; }"}, kAnswerLimit}});
   });
   if (!fault.empty()) {
     platform::log("+ [ Utilities runningAgentsInfo ] got an exception: " + fault);
@@ -246,28 +268,34 @@ std::optional<Value::Dictionary> processInfoOfForeignAgent() {
 std::int32_t quitForeignAgent(platform::PrivilegedExecution* authorization) {
   const std::optional<Value::Dictionary> agent = processInfoOfForeignAgent();
   const std::int64_t process = agent ? agent->at("pid").integerValue().value_or(0) : 0;
-  if (process == 0) {
+  if (process <= 0) {
     return kForeignAgentQuit;
   }
   Administrator administrator;
   platform::PrivilegedExecution& execution = authorization != nullptr ? *authorization : administrator;
   std::int32_t status = platform::PrivilegedExecution::kNotPossible;
-  static_cast<void>(platform::nameOfThrown([&] {
+  const auto thrown = platform::nameOfThrown([&] {
     status = execution.execute("/bin/kill", {"-TERM", std::to_string(process)});
-  }));
+  });
+  if (thrown) {
+    platform::log("The authorization to make the foreign agent quit threw " + *thrown + ".");
+  }
   if (status != platform::PrivilegedExecution::kDone) {
     return status;
   }
   const platform::Clock& clock = platform::Clock::system();
   const std::chrono::nanoseconds end = clock.steadyTime() + platform::spanOfSeconds(kQuitPatience);
-  while (foreignAgent()) {
-    if (clock.steadyTime() >= end) {
+  while (true) {
+    const bool isOver = clock.steadyTime() >= end;
+    if (!foreignAgent()) {
+      return kForeignAgentQuit;
+    }
+    if (isOver) {
       platform::log("The foreign agent failed to quit after 5 seconds.");
       return kForeignAgentStays;
     }
-    platform::RunLoop::current().runOnce(kLook);
+    serveRunLoopFor(kLookInterval);
   }
-  return kForeignAgentQuit;
 }
 
 std::string userNameRunningForeignAgent() {

@@ -1,6 +1,7 @@
 // Which programs run, whose they are, and how a copy of the agent that belongs to somebody else is made to quit.
 // Questions are answered by the system's command-line tools and take some hundredths of a second; each look at the system
-// ends within 10 seconds whatever the tools do, and the question for a foreign agent takes two. Everything works on the calling thread; nothing throws.
+// ends within 10 seconds whatever the tools do, and the question for a foreign agent takes two. Everything works on the
+// calling thread; nothing throws.
 #pragma once
 
 #include <cstdint>
@@ -49,7 +50,8 @@ inline constexpr std::int32_t kForeignAgentStays = -34;
 
 // Makes the agent of another user quit and waits up to 5 seconds for it, while the thread's run loop is served:
 // kForeignAgentQuit, also when there was none; kForeignAgentStays, with a line in the log; else what `authorization`
-// answered. Null stands for the library's own way: a plain signal, and pkexec where that is not allowed.
+// answered, kNotPossible and a line in the log where it threw. Null stands for the library's own way: a plain signal,
+// and pkexec where that is not allowed.
 [[nodiscard]] std::int32_t quitForeignAgent(platform::PrivilegedExecution* authorization);
 
 // Kept: a placeholder that asks the system and gives the empty text.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <functional>
+#include <string_view>
 
 #include "platform/clock.h"
 #include "platform/run_loop.h"
@@ -16,6 +17,7 @@ using std::chrono::nanoseconds;
 
 constexpr nanoseconds kUnwatchedStep = std::chrono::milliseconds(5);  // between two looks at what cannot be watched
 constexpr std::size_t kLongestText = std::size_t{64} << 20;           // bytes
+constexpr std::size_t kLongestBeginning = 3;                          // bytes of a character that is not whole
 
 // The time that a task has, from its launch on.
 class Deadline {
@@ -24,14 +26,15 @@ class Deadline {
 
   [[nodiscard]] nanoseconds left() const { return mEnd - platform::Clock::system().steadyTime(); }
 
-  // Lets the run loop sleep and serve until `isDone`; false when the time was over first.
-  bool waitUntil(bool isWatched, const std::function<bool()>& isDone) const {
+  // Lets the run loop sleep and serve until `isDone`; false when the time was over first. Where `isWatched` says no,
+  // the loop may sleep over it: `isDone` is then asked every few milliseconds.
+  bool waitUntil(const std::function<bool()>& isWatched, const std::function<bool()>& isDone) const {
     while (!isDone()) {
       const nanoseconds span = left();
       if (span <= nanoseconds(0)) {
         return false;
       }
-      platform::RunLoop::current().runOnce(isWatched ? span : std::min(span, kUnwatchedStep));
+      platform::RunLoop::current().runOnce(isWatched() ? span : std::min(span, kUnwatchedStep));
     }
     return true;
   }
@@ -75,6 +78,21 @@ class InputWriter {
   std::unique_ptr<platform::Watch> mWatch;
 };
 
+// Takes the beginning of a character off the end of `text`, where its last bytes are missing.
+void dropCutCharacter(std::string& text) {
+  for (std::size_t length = 1; length <= std::min(text.size(), kLongestBeginning); ++length) {
+    const std::string_view end = std::string_view(text).substr(text.size() - length);
+    if (const auto first = static_cast<unsigned char>(end.front()); first < 0xC2 || first > 0xF4) {
+      continue;  // does not begin a character of several bytes
+    }
+    const platform::DecodedCharacter character = platform::decodeCharacter(end);
+    if (!character.valid && character.length == length) {
+      text.resize(text.size() - length);
+    }
+    return;
+  }
+}
+
 // Reads a pipe to its end, for a text that may not be wanted; then nothing is read.
 class OutputReader {
  public:
@@ -89,6 +107,9 @@ class OutputReader {
   OutputReader& operator=(const OutputReader&) = delete;
   // The text is what was read by then; absent where that is not UTF-8.
   ~OutputReader() {
+    if (!mIsWhole) {
+      dropCutCharacter(mBytes);
+    }
     if (mText != nullptr) {
       *mText = platform::isValidUTF8(mBytes) ? std::optional(std::move(mBytes)) : std::nullopt;
     }
@@ -99,8 +120,8 @@ class OutputReader {
 
   void proceed() {
     if (!mHasEnded) {
-      mHasEnded =
-          platform::readFromPipe(mDescriptor, &mBytes) == platform::PipeEnd::Ended || mBytes.size() >= kLongestText;
+      mIsWhole = platform::readFromPipe(mDescriptor, &mBytes) == platform::PipeEnd::Ended;
+      mHasEnded = mIsWhole || mBytes.size() >= kLongestText;
     }
     if (mHasEnded) {
       mWatch.reset();
@@ -110,7 +131,8 @@ class OutputReader {
  private:
   int mDescriptor;
   std::optional<std::string>* mText;
-  bool mHasEnded;
+  bool mHasEnded;         // nothing more is read
+  bool mIsWhole = false;  // the pipe has come to its end
   std::string mBytes;
   std::unique_ptr<platform::Watch> mWatch;
 };
@@ -118,17 +140,20 @@ class OutputReader {
 }  // namespace
 
 SimpleTask::SimpleTask(const SimpleTaskArguments& arguments)
-    : mActualTaskObj(arguments.launchPath, arguments.arguments.value_or(std::vector<std::string>())) {
+    : mActualTaskObj(arguments.launchPath, arguments.arguments.value_or(std::vector<std::string>()),
+                     arguments.environmentChanges) {
   const Deadline deadline(arguments.maxSecondsToWait);
-  const std::string input = arguments.inputText.value_or("");
+  const std::string noInput;
   bool ended = false;
   {
-    InputWriter writer(mActualTaskObj, input);
-    // Dropped when the child has ended: where another task is waited for within this wait, it would be ready for ever.
+    InputWriter writer(mActualTaskObj, arguments.inputText ? *arguments.inputText : noInput);
+    // Dropped once ready: where another task is waited for within this wait, or where the child is traced and its end
+    // not yet ours, it would be ready for ever.
     std::unique_ptr<platform::Watch> watch;
     watch = platform::RunLoop::current().watch(mActualTaskObj.endDescriptor(), platform::Readiness::Readable,
                                                [&watch] { watch.reset(); });
-    ended = deadline.waitUntil(watch != nullptr && writer.isWatched(), [&] {
+    const auto isWatched = [&] { return watch != nullptr && writer.isWatched(); };
+    ended = deadline.waitUntil(isWatched, [&] {
       if (!writer.isWatched()) {
         writer.proceed();
       }
@@ -147,7 +172,8 @@ SimpleTask::SimpleTask(const SimpleTaskArguments& arguments)
   // Both at once, so that nobody is held up by the pipe that would be read later.
   OutputReader output(mActualTaskObj.output(), arguments.outputText);
   OutputReader error(mActualTaskObj.error(), arguments.errorText);
-  deadline.waitUntil(output.isWatched() && error.isWatched(), [&] {
+  const auto areWatched = [&] { return output.isWatched() && error.isWatched(); };
+  deadline.waitUntil(areWatched, [&] {
     for (OutputReader* reader : {&output, &error}) {
       if (!reader->isWatched()) {
         reader->proceed();

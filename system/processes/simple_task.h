@@ -21,6 +21,7 @@ struct SimpleTaskArguments {
   std::optional<std::string>* outputText = nullptr;                  // null when not wanted
   std::optional<std::string>* errorText = nullptr;                   // null when not wanted
   double maxSecondsToWait = 0.0;  // counted from the launch; 0 and less look once, infinity waits for ever
+  std::vector<platform::EnvironmentChange> environmentChanges = {};  // to what the program has from this process
 };
 
 class SimpleTask {
@@ -28,10 +29,11 @@ class SimpleTask {
   // `initWithLaunchPath:arguments:inputText:outputText:errorText:maxSecondsToWait:`
   // Runs the program. When it has ended in time, the wanted texts are what it printed, each absent where that is not UTF-8.
   // When it has not, `*outputText` is absent and `*errorText` "Task timed out."; the program is left running, its input is
-  // closed, and nothing is read from it. Throws platform::LaunchError when it cannot be started; the texts are then as they were.
+  // closed, and nothing is read from it; once this object is gone, SIGPIPE ends it if it prints on.
+  // Throws platform::LaunchError when it cannot be started; the texts are then as they were.
   // The pipes are read only after the end: a program that prints more than platform::kChildPipeSize runs into the limit.
   // Where it leaves a child of its own behind that holds the pipes, their end is waited for as long as the limit lasts, or until
-  // a text has 64 MiB; it is then what was read.
+  // a text has 64 MiB; it is then what was read, without a last character that is not whole.
   explicit SimpleTask(const SimpleTaskArguments& arguments);
   SimpleTask(const SimpleTask&) = delete;
   SimpleTask& operator=(const SimpleTask&) = delete;
@@ -45,7 +47,8 @@ class SimpleTask {
   bool waitForEnd(std::chrono::nanoseconds longest) { return mActualTaskObj.waitForEnd(longest); }
 
   [[nodiscard]] bool isRunning() { return mActualTaskObj.isRunning(); }
-  // The exit status, or the number of the signal that ended the program; -1 while it runs.
+  // The exit status, or the number of the signal that ended the program; -1 while it runs and when the host has taken
+  // its end away.
   [[nodiscard]] std::int32_t terminationStatus() { return mActualTaskObj.terminationStatus(); }
 
  private:

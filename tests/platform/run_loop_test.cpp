@@ -135,6 +135,8 @@ TEST(RunLoop, ThePumpRunsInsteadOfSleeping) {
     });
     EXPECT_TRUE(loop.runOnce(1h)) << "what a runOnce inside of the pump serves ends the wait around it";
     EXPECT_FALSE(loop.runOnce(7ms));
+    loop.setPump([&](nanoseconds) { loop.wakeUp(), loop.runOnce(0s); });
+    EXPECT_FALSE(loop.runOnce(1h)) << "what a runOnce inside of the pump takes is no more than a wake-up";
     loop.setPump([&](nanoseconds) { loop.setPump(nullptr); });
     loop.addTimer(3ms, [&](Timer&) { seen += 'f'; });
     EXPECT_TRUE(loop.runOnce(1h));

@@ -44,6 +44,7 @@ TEST_F(TimerTest, TicksLieOnTheGridOfTheFirstOneAndAreNeverEarly) {
       {"first in the past", 100ms, -1h, 0s, {0s, 99ms, 100ms}, {0s, 100ms}},
       {"no interval is the shortest", -5s, 5us, 0s, {5us, 104us, 105us}, {5us, 105us}},
       {"endless interval", nanoseconds::max(), 1s, 0s, {1s, 800'000h}, {1s}},
+      {"endless both", 900'000h, 900'000h, 0s, {876'582h, 1'753'164h}, {876'582h, 1'753'164h}},
       {"endless first", 1s, nanoseconds::max(), 0s, {800'000h, 876'582h}, {876'582h}},
   };
   for (const auto& row : kRows) {

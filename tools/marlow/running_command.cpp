@@ -1,3 +1,4 @@
+#include "platform/text.h"
 #include "system/processes/process_detection.h"
 #include "tools/marlow/action_input.h"
 #include "tools/marlow/command.h"
@@ -12,8 +13,14 @@ using platform::Value;
 
 constexpr OptionSpecification kOptions[] = {{"--signature", false}};
 
-// Answers for one program. False when it does not run.
+constexpr std::size_t kSignatureLength = 4;
+
+// Answers for one program. False when it does not run, and, with a complaint, for what cannot be a signature.
 bool describe(std::string_view input, bool bySignature, bool asJSON) {
+  if (bySignature && platform::codePointCount(input) != kSignatureLength) {
+    complain(quoted(input) + ": a signature has four characters, such as QZ2d");
+    return false;
+  }
   const bool runs = bySignature ? Utilities::isProcessRunning(Utilities::fourCharCodeFromString(input))
                                 : Utilities::isProcessNameRunning(input);
   if (asJSON) {

@@ -24,6 +24,7 @@ TEST(Activity, KeepsItsCallbackObjectButNeitherItselfNorTheUserInfo) {
   ActivityManager manager;
   auto owner = std::make_shared<Owner>(GUIActivityArguments{.activity = {.selector = "own", .callsItself = true}});
   auto activity = std::make_shared<Activity>(ActivityArguments{3600, owner, "step::", "stop", owner});
+  EXPECT_THROW(static_cast<void>(activity->makeProgress()), UnknownSelector) << "answers nothing, responds to nothing";
   for (const auto& [answer, isDone] : {std::pair<platform::Value, bool>(-0.5, true), {1LL << 32, true}, {0, false}}) {
     owner->asked.clear();
     owner->answer = answer;

@@ -128,7 +128,7 @@ TEST(SimpleTask, AnInfiniteLimitWaitsForTheEnd) {
 }
 
 TEST(SimpleTask, AGrandchildThatKeepsThePipesIsWaitedForOnlyAsLongAsTheLimitLasts) {
-  ShellRun sleeper("sleep 300 & printf $!", 0.3);
+  ShellRun sleeper("sleep 300 & printf \"$!\\342\\202\"", 0.3);  // ends within a character
   ASSERT_TRUE(sleeper.output && sleeper.error == "");
   EXPECT_EQ(::kill(std::stoi(*sleeper.output), SIGKILL), 0) << "it is gone or not the number: " << *sleeper.output;
   ShellRun flooder("yes & exit 6", 0.3);

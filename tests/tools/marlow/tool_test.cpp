@@ -64,6 +64,7 @@ TEST(ToolExitCodes, TellWrongUseFromBadInput) {
       {"run that prints rubbish", {"run", "--", "/usr/bin/printf", "\\377"}, "", 0, "is not UTF-8"},
       {"running of what is and is not", {"running", "marlow", "zq8xtension"}, "", 1, ""},
       {"running by a signature", {"running", "--signature", "Zq8x"}, "", 1, ""},
+      {"running by three letters", {"running", "--signature", "QZ2"}, "", 1, "\"QZ2\": a signature has four"},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
