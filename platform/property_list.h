@@ -33,11 +33,31 @@ struct PropertyListError {
 //   <true/>, <false/>
 //   <date>     YYYY-MM-DDTHH:MM:SSZ, a day and time that exist
 //   <data>     base64 with its padding; blanks count for nothing
-// Blanks around numbers and dates, comments and processing instructions are passed over.
+// Blanks (spaces, tabs, line ends) around numbers and dates, comments and processing instructions are passed over.
 // Gives nothing for anything else, and then fills in `error` (null when not wanted; left alone on success): unknown
-// elements, attributes other than <plist>'s, text where none belongs, a key without a value, another encoding than
-// UTF-8 or its part US-ASCII, a DOCTYPE that is not plist's or declares anything itself, texts with other entities than
-// XML's own five, a document that is too large or too deep, and whatever is not well-formed XML. Logs nothing.
+// elements, attributes other than one `version` of <plist>, which holds no entities, text where none belongs, a key
+// without a value, another encoding than UTF-8 or its part US-ASCII, a DOCTYPE that is not plist's or declares anything
+// itself, texts with other entities than XML's own five, a document that is too large or too deep, and whatever is not
+// well-formed XML. Logs nothing.
 [[nodiscard]] std::optional<Value> propertyListFromXML(std::string_view document, PropertyListError* error = nullptr);
+
+// The document that holds `value`: a file that a person can read and mend, with one element a line, tabs for the levels,
+// keys in byte order and a line end at the end. propertyListFromXML reads it back as an equal value, save that
+//   dates lose what they have beyond whole seconds: they become the whole second before;
+//   entries of a dictionary that are absent are left out.
+// Reals have the shortest form that reads back as the same number and stay reals; 0.0 and -0.0 stay apart; NaN and the
+// infinities are written as such. Texts and keys keep each character, blanks at their ends and CR included.
+// Gives nothing for what no document can hold, so that nothing is lost unseen, and then fills in `error` (null when not
+// wanted; left alone on success) with one line of UTF-8 that names the place: `value["lamps"][3] is a color, which …`.
+// That is so for
+//   objects and colours; absent values, alone and in lists;
+//   dates outside of the years 0000 to 9999, and those that are no number;
+//   texts and keys that are not well-formed UTF-8 or hold a character that XML has no place for: control characters
+//   other than tab, LF and CR, U+FFFE and U+FFFF;
+//   more than kMaximumPropertyListDepth levels, and documents above kMaximumPropertyListSize, for which each entry that
+//   was left out counts as a byte.
+// What is written, propertyListFromXML never refuses. Nesting takes no stack, and parts that values share are bounded by the
+// size of the document. Logs nothing.
+[[nodiscard]] std::optional<std::string> propertyListAsXML(const Value& value, std::string* error = nullptr);
 
 }  // namespace SharedClasses::platform

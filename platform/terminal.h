@@ -1,5 +1,7 @@
-// Whether a program talks to a person. Safe on any thread.
+// Whether a program talks to a person, and how much that person sees. Safe on any thread.
 #pragma once
+
+#include <optional>
 
 namespace SharedClasses::platform {
 
@@ -11,5 +13,8 @@ enum class StandardStream {
 
 // Whether `stream` of this process is a terminal.
 [[nodiscard]] bool isTerminal(StandardStream stream);
+
+// How many characters stand in a line of the terminal that `stream` is; absent where it is none or does not tell.
+[[nodiscard]] std::optional<int> terminalWidth(StandardStream stream);
 
 }  // namespace SharedClasses::platform

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cwctype>
 #include <iterator>
+#include <limits>
 
 #include "platform/saturating.h"
 
@@ -225,6 +226,10 @@ std::string_view trimmed(std::string_view text) {
 }
 
 std::int32_t lenientInteger(std::string_view text) {
+  return saturatingCast<std::int32_t>(lenientInteger64(text));
+}
+
+std::int64_t lenientInteger64(std::string_view text) {
   const CodePoints points(text);
   auto point = points.begin();
   while (point != points.end() && isBlank(*point)) {
@@ -235,17 +240,19 @@ std::int32_t lenientInteger(std::string_view text) {
   if (negative || digits.starts_with('+')) {
     digits.remove_prefix(1);
   }
-  std::int64_t number = 0;
+  using Limits = std::numeric_limits<std::int64_t>;
+  std::int64_t number = 0;  // its negative, which reaches one further
   for (const char c : digits) {
     if (c < '0' || c > '9') {
       break;
     }
-    number = number * 10 + (c - '0');
-    if (number > std::int64_t{1} << 32) {
-      break;  // Beyond the range already; more digits cannot bring it back.
+    const int digit = c - '0';
+    if (number < (Limits::min() + digit) / 10) {
+      return negative ? Limits::min() : Limits::max();
     }
+    number = number * 10 - digit;
   }
-  return saturatingCast<std::int32_t>(negative ? -number : number);
+  return negative ? number : -std::max(number, -Limits::max());
 }
 
 std::string hexDigits(std::uint64_t number, std::size_t minimumDigits) {

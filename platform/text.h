@@ -116,6 +116,9 @@ void appendUTF8(std::string& text, char32_t codePoint);
 // 0 when there are no digits; the nearest end of the 32-bit range when the number lies beyond it.
 [[nodiscard]] std::int32_t lenientInteger(std::string_view text);
 
+// As lenientInteger, in the 64-bit range.
+[[nodiscard]] std::int64_t lenientInteger64(std::string_view text);
+
 // `number` in lower-case hex digits, with zeros in front up to `minimumDigits` of them: (10, 2) gives "0a".
 [[nodiscard]] std::string hexDigits(std::uint64_t number, std::size_t minimumDigits);
 

@@ -1,15 +1,13 @@
 #include "platform/value.h"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
-#include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <iterator>
 #include <unordered_map>
 #include <variant>
 
+#include "platform/date_text.h"
 #include "platform/saturating.h"
 #include "platform/text.h"
 
@@ -270,25 +268,10 @@ std::string dataText(const Value::Data& data) {
   return text + '>';
 }
 
-// Years 0 to 9999 by the calendar; what lies beyond, and what is no number, as seconds.
-std::string dateText(Date date) {
-  using namespace std::chrono;
-  constexpr sys_days kReference = 2001y / January / 1;
-  constexpr double kBegin = seconds(sys_days(0y / January / 1) - kReference).count();
-  constexpr double kEnd = seconds(sys_days(10000y / January / 1) - kReference).count();
-  const double elapsed = date.secondsSinceReference;
-  if (!(elapsed >= kBegin && elapsed < kEnd)) {
-    return numberText(elapsed) + " s from 2001-01-01T00:00:00Z";
-  }
-  const sys_seconds instant = kReference + seconds(saturatingCast<std::int64_t>(std::floor(elapsed)));
-  const sys_days midnight = floor<days>(instant);
-  const year_month_day day(midnight);
-  const hh_mm_ss time(instant - midnight);
-  std::array<char, 80> text{};
-  const int length = std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02dZ", int{day.year()},
-                                   unsigned{day.month()}, unsigned{day.day()}, static_cast<int>(time.hours().count()),
-                                   static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()));
-  return {text.data(), static_cast<std::size_t>(length)};
+// What lies beyond the years of date texts, and what is no number, as seconds.
+std::string textOfDate(Date date) {
+  const std::optional<std::string> text = dateText(date);
+  return text ? *text : numberText(date.secondsSinceReference) + " s from 2001-01-01T00:00:00Z";
 }
 
 std::string colorText(const Color& color) {
@@ -385,7 +368,7 @@ class Printer {
         mText += numberText(*value.realValue());
         return;
       case Value::Type::Date:
-        mText += dateText(*value.date());
+        mText += textOfDate(*value.date());
         return;
       case Value::Type::Text:
         mText += quoted(beginning(*value.text()));

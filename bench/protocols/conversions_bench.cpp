@@ -12,8 +12,8 @@ namespace {
 // Keeps the compiler from computing the result of a constant argument once and for all.
 template <class Argument>
 Argument hidden(Argument argument) {
-  benchmark::DoNotOptimize(argument);
-  return argument;
+  const Argument* volatile place = &argument;
+  return *place;
 }
 
 template <class Conversion>

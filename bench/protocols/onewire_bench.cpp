@@ -17,8 +17,8 @@ constexpr ThermometerScratchPad::Bytes kPad = {0x91, 0x01, 0x4B, 0x46, 0x7F, 0xF
 // Keeps the compiler from computing the result of a constant argument once and for all.
 template <class Argument>
 Argument hidden(Argument argument) {
-  benchmark::DoNotOptimize(argument);
-  return argument;
+  const Argument* volatile place = &argument;
+  return *place;
 }
 
 template <class Operation>

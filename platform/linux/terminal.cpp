@@ -1,19 +1,34 @@
 #include "platform/terminal.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace SharedClasses::platform {
 
-bool isTerminal(StandardStream stream) {
+namespace {
+
+int descriptorOf(StandardStream stream) {
   switch (stream) {
     case StandardStream::Input:
-      return ::isatty(STDIN_FILENO) == 1;
+      return STDIN_FILENO;
     case StandardStream::Output:
-      return ::isatty(STDOUT_FILENO) == 1;
+      return STDOUT_FILENO;
     case StandardStream::Error:
-      return ::isatty(STDERR_FILENO) == 1;
+      return STDERR_FILENO;
   }
-  return false;
+  return -1;
+}
+
+}  // namespace
+
+bool isTerminal(StandardStream stream) {
+  return ::isatty(descriptorOf(stream)) == 1;
+}
+
+std::optional<int> terminalWidth(StandardStream stream) {
+  winsize size{};
+  const bool isKnown = ::ioctl(descriptorOf(stream), TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return isKnown ? std::optional<int>(size.ws_col) : std::nullopt;
 }
 
 }  // namespace SharedClasses::platform

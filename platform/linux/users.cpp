@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
+#include <utility>
 
 #include "platform/files.h"
 
@@ -15,6 +17,28 @@ namespace {
 constexpr std::size_t kMaximumRecordSize = std::size_t{1} << 20;     // bytes, of one user
 constexpr std::size_t kMaximumArgumentsSize = std::size_t{8} << 20;  // bytes; more than the system lets a program have
 
+std::string textOf(const char* text) {
+  return text == nullptr ? std::string() : text;
+}
+
+// The user whom `lookUp` finds, with room for the texts of the record that grows until they fit.
+template <typename LookUp>
+std::optional<User> userFoundBy(const LookUp& lookUp) {
+  passwd record{};
+  passwd* found = nullptr;
+  for (std::vector<char> texts(1024); texts.size() <= kMaximumRecordSize; texts.resize(texts.size() * 2)) {
+    const int error = lookUp(record, texts, found);
+    if (error == ERANGE || error == EINTR) {
+      continue;
+    }
+    if (found == nullptr) {
+      return std::nullopt;
+    }
+    return User{found->pw_uid, found->pw_gid, textOf(found->pw_name), textOf(found->pw_dir)};
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::string currentUserName() {
@@ -23,16 +47,30 @@ std::string currentUserName() {
 }
 
 std::optional<std::string> userNameOfID(std::uint32_t userID) {
-  passwd record{};
-  passwd* found = nullptr;
-  for (std::vector<char> texts(1024); texts.size() <= kMaximumRecordSize; texts.resize(texts.size() * 2)) {
-    const int error = ::getpwuid_r(userID, &record, texts.data(), texts.size(), &found);
-    if (error == ERANGE || error == EINTR) {
-      continue;
-    }
-    return found == nullptr ? std::nullopt : std::optional<std::string>(found->pw_name);
+  const std::optional<User> user = userFoundBy([userID](passwd& record, std::vector<char>& texts, passwd*& found) {
+    return ::getpwuid_r(userID, &record, texts.data(), texts.size(), &found);
+  });
+  return user ? std::optional(user->loginName) : std::nullopt;
+}
+
+std::optional<User> userNamed(const std::string& loginName) {
+  // The system would look for the part in front of a NUL, and ends the program at names of megabytes.
+  if (loginName.empty() || loginName.size() > LOGIN_NAME_MAX || loginName.find('\0') != std::string::npos) {
+    return std::nullopt;
   }
-  return std::nullopt;
+  return userFoundBy([&loginName](passwd& record, std::vector<char>& texts, passwd*& found) {
+    return ::getpwnam_r(loginName.c_str(), &record, texts.data(), texts.size(), &found);
+  });
+}
+
+std::string homeFolderOfCurrentUser() {
+  if (std::optional<std::string> home = environmentVariable("HOME"); home && home->starts_with('/')) {
+    return *std::move(home);
+  }
+  const std::optional<User> user = userFoundBy([](passwd& record, std::vector<char>& texts, passwd*& found) {
+    return ::getpwuid_r(::geteuid(), &record, texts.data(), texts.size(), &found);
+  });
+  return user ? user->homeFolder : std::string();
 }
 
 std::vector<std::string> programArguments() {

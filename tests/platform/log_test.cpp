@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "platform/linux/system_log.h"
 #include "tests/support/captured_log.h"
 
 namespace SharedClasses::platform {
@@ -42,6 +43,15 @@ TEST(Log, ThreadsMayLogWhileTheSinkChanges) {
   logOften();
   other.join();
   setLogSink(nullptr);
+}
+
+TEST(Log, ALongMessageIsSentByWholeLinesElseByWholeCharactersAndKeepsItsLinesOnATerminal) {
+  const std::string message = std::string(50, '\n') + std::string(8190, 'b') + "\U0001F4A1" + std::string(9000, 'c');
+  std::string_view rest = message;
+  for (const std::size_t length : {50U, 8190U, 8192U, 812U, 0U}) {
+    EXPECT_EQ(takeDatagram(rest).size(), length);
+  }
+  EXPECT_EQ(linesForTerminal("185\t 5:36\n\n\x1B[2J\r\n"), "185\t 5:36\n\n?[2J?\n");
 }
 
 }  // namespace

@@ -10,8 +10,8 @@ namespace SharedClasses::tests {
 
 class TemporaryFolder {
  public:
-  TemporaryFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "sharedclasses-XXXXXX").string();
+  explicit TemporaryFolder(const std::filesystem::path& place = std::filesystem::temp_directory_path()) {
+    std::string pattern = (place / "sharedclasses-XXXXXX").string();
     mPath = ::mkdtemp(pattern.data());
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
@@ -19,6 +19,12 @@ class TemporaryFolder {
   ~TemporaryFolder() {
     std::error_code ignored;
     std::filesystem::remove_all(mPath, ignored);
+  }
+
+  // A place that is in memory where the system has one: for what is synced so often that a disk would take minutes.
+  [[nodiscard]] static std::filesystem::path memory() {
+    const std::filesystem::path memory = "/dev/shm";
+    return std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
   }
 
   [[nodiscard]] const std::string& path() const { return mPath; }

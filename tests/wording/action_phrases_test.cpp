@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <vector>
 
 #include "tests/support/main_bundle.h"
@@ -15,16 +14,13 @@ using platform::Value;
 using List = std::vector<Value>;
 
 // A device that answers `name`, and throws where it has no answer.
-class Lamp : public platform::Object {
- public:
-  Lamp(std::optional<Value> name, std::optional<bool> answers) : mName(std::move(name)), mAnswers(answers) {}
+struct Lamp : platform::Object {
+  Lamp(std::optional<Value> itsName, std::optional<bool> itAnswers) : name(std::move(itsName)), answers(itAnswers) {}
   std::string className() const override { return "Lamp"; }
-  bool respondsToSelector(std::string_view selector) const override { return selector == "name" && mAnswers.value(); }
-  Value performSelector(std::string_view, std::span<const Value>) override { return mName ? *mName : throw 1; }
-
- private:
-  std::optional<Value> mName;
-  std::optional<bool> mAnswers;
+  bool respondsToSelector(std::string_view selector) const override { return selector == "name" && answers.value(); }
+  Value performSelector(std::string_view, std::span<const Value>) override { return name ? *name : throw 1; }
+  std::optional<Value> name;
+  std::optional<bool> answers;
 };
 
 Value lamp(std::optional<Value> name, std::optional<bool> answers = true) {
@@ -67,7 +63,6 @@ TEST(ActionPhrases, PluralIsGuessedFromNumberAndName) {
   EXPECT_TRUE(guess(false, {"Les étés"})) << "other case beyond ASCII";
   EXPECT_FALSE(guess(false, {"unreached"})) << "the first missing suffix ends the search";
   EXPECT_FALSE(guess(false, {lamp(std::nullopt)})) << "throws";
-  EXPECT_FALSE(guess(false, {40})) << "neither text nor object";
 }
 
 TEST(ActionPhrases, AMissingFormFallsBackInAFixedOrder) {
@@ -101,14 +96,12 @@ TEST(ActionPhrases, VerbsAreFoundByCodeAndTense) {
       {"All+", {"'All+'", "'All+'", "many"}},
       {"Net+", {"", "there"}},
       {"on  ", {"", "operated"}},
-      {"\xFF\xFF", {"", "operated"}},
   };
   for (const auto& row : kRows) {
     for (std::int32_t tense = -2; const char* expected : row.expected) {
       EXPECT_EQ(verbStringForActionCode({fourCharCodeFromString(row.code), tense++}), expected) << row.code;
     }
   }
-  EXPECT_EQ(verbStringForActionCode({fourCharCode("On  "), std::numeric_limits<std::int32_t>::max()}), "A");
 }
 
 struct Sentence {
@@ -145,13 +138,10 @@ TEST(ActionPhrases, DevicesAreNamedOnceEachAndTheArticleFollowsTheOrderOfWords) 
       {"names that are a number and a list", {lamp(40), lamp(List{1})}, "On  ", -1, "Les Tous 40 & (1) were on."},
       {"neither text nor object", {Value(), 40}, "On  ", -1, "Les Tous ??? & ??? were on."},
       {"names that are not UTF-8", {lamp("H\xE9ll"), "D\xC3"}, "On  ", -1, "Les Tous H\uFFFDll & D\uFFFD were on."},
-      {"names with slots", {lamp("%@"), "100%d%%"}, "On  ", -1, "Les Tous %@ & 100%d%% were on."},
       {"verb first, text", {"Hall"}, "On  ", 1, "Turning ON Hall."},
       {"verb first, some object", {"Den", lamp("Hall")}, "On  ", 1, "Turning ONS les tous Den & Hall."},
       {"verb first, a name that throws gives no article", {lamp(std::nullopt)}, "On  ", 1, "Turning ON ???."},
-      {"verb first, nor in an order", {lamp(std::nullopt)}, "On  ", 3, "éteint ???."},
-      {"verb first, an absent name gives one", {lamp(Value())}, "On  ", 1, "Turning ON un ???."},
-      {"verb first, and in an order", {lamp(Value())}, "On  ", 3, "éteint un ???."},
+      {"in an order an absent name gives one", {lamp(Value())}, "On  ", 3, "éteint un ???."},
       {"phrase that is missing", {lamp("Ding")}, "Net+", -1, "Un Ding ."},
       {"verb first, no device keeps the blank", {}, "On  ", 1, "Turning ON ."},
       {"all units off", {"b"}, "AOff", -1, "B: ALL units dead."},
@@ -178,12 +168,9 @@ TEST(ActionPhrases, WordsThatTheTablesLackAreLeftOut) {
 TEST(ActionPhrases, TheTailFollowsTheCode) {
   const Words words(kConjugations, kOtherWords);
   expectSentences({
-      {"by itself", {"Hall", "Den"}, "Dim ", -1, "Les Tous Hall & Den dims BY 40%.", 39.5},
-      {"to a level", {}, "DmTo", -1, "Dim TO 40%.", 40},
       {"by all the same", {}, "DmTo", -1, "Dim BY 40%.", 40, 1},
       {"no amount", {}, "Dim ", -1, "Dim."},
       {"negative, truncated toward zero", {}, "Dim ", -1, "Dim BY -39%.", -39.5},
-      {"not a number", {}, "Dim ", -1, "Dim BY 0%.", std::numeric_limits<double>::quiet_NaN()},
       {"status 100", {}, "Stat", -1, "Is ON.", 100},
       {"status below 1", {}, "Stat", -1, "Is OFF.", 0.9},
       {"status between", {}, "Stat", -1, "Is DIMMED.", 0x1p32},
@@ -207,20 +194,11 @@ TEST(ActionPhrases, ShippedEnglishReadsWell) {
       {"dimmed to a level", {porch}, "DmTo", -1, "The Porch Lights were dimmed to 25%.", 25},
       {"brightened", {porch}, "Brit", -1, "The Porch Lights were brightened by 13%.", 12.5},
       {"brighten", {hall}, "BrTo", 3, "Brighten the hall lamp to 100%.", 100},
-      {"house lit", {"B"}, "All+", -1, "All lights in house B were turned on."},
       {"two houses", {"A", "B"}, "AOff", -1, "All units in house A and all units in house B were turned off."},
       {"status asked, order", {porch}, "Sta?", 3, "Ask for the status of the Porch Lights."},
-      {"answered off", {porch}, "Sta-", -1, "The Porch Lights reported that they are off."},
-      {"bulb works again", {porch}, "Bub+", -1, "The Porch Lights reported working bulbs."},
-      {"nothing connected", {hall}, "Lod-", 0, "The hall lamp reports that nothing is connected."},
-      {"extended command", {lamp("blinds")}, "ExCm", -1, "The blinds received an extended command."},
-      {"computer slept", {lamp("computer")}, "Slep", -1, "The computer went to sleep."},
       {"waited", {}, "Wait", -1, "Waited."},
-      {"announced", {}, "Say ", -1, "Made an announcement."},
       {"will send", {}, "Mail", 2, "Will send the email."},
       {"caused by a sensor", {lamp("motion sensor")}, "IM->", -1, "The motion sensor sent an instant message."},
-      {"network went", {}, "Net-", -1, "The network connection was lost."},
-      {"roll call unanswered", {hall}, "Rol-", 0, "The hall lamp cannot be reached."},
       {"address unknown", {"A12"}, "Add?", -1, "The A12 address was seen, but no device uses it."},
       {"action without words", {lamp("thermostat")}, "SetM", -1, "The thermostat received a command."},
   });

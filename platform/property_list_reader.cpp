@@ -1,11 +1,8 @@
-#include "platform/property_list.h"
-
 #include <expat.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <chrono>
 #include <concepts>
 #include <cstdint>
 #include <limits>
@@ -17,24 +14,43 @@
 #include <utility>
 #include <vector>
 
+#include "platform/date_text.h"
+#include "platform/property_list.h"
+#include "platform/property_list_parts.h"
 #include "platform/text.h"
 
 namespace SharedClasses::platform {
 
 namespace {
 
-constexpr std::string_view kXMLBlanks = " \t\r\n";
+using property_list::excerpt;
 
-// What the text of one element says; nothing when it is not what the element is for.
-using ContentReader = std::optional<Value> (*)(std::string_view content);
+// Asked of texts that come from expat, which lets no other control character through.
+constexpr bool isXMLBlank(char c) {
+  return static_cast<unsigned char>(c) <= ' ';
+}
 
-std::optional<Value> readString(std::string_view content) {
-  return Value(content);
+std::string_view withoutBlanksAround(std::string_view text) {
+  while (!text.empty() && isXMLBlank(text.front())) {
+    text.remove_prefix(1);
+  }
+  while (!text.empty() && isXMLBlank(text.back())) {
+    text.remove_suffix(1);
+  }
+  return text;
+}
+
+// What the text of one element says, which may be moved from; nothing when it is not what the element is for, and then
+// it is as it was.
+using ContentReader = std::optional<Value> (*)(std::string& content);
+
+std::optional<Value> readString(std::string& content) {
+  return Value(std::move(content));
 }
 
 template <bool kMeaning>
-std::optional<Value> readBoolean(std::string_view content) {
-  return content.find_first_not_of(kXMLBlanks) == content.npos ? std::optional<Value>(kMeaning) : std::nullopt;
+std::optional<Value> readBoolean(std::string& content) {
+  return std::ranges::all_of(content, isXMLBlank) ? std::optional<Value>(kMeaning) : std::nullopt;
 }
 
 // Takes the sign off a number; true for a minus.
@@ -46,8 +62,8 @@ bool takeSign(std::string_view& number) {
   return negative;
 }
 
-std::optional<Value> readInteger(std::string_view content) {
-  std::string_view digits = trimmed(content);
+std::optional<Value> readInteger(std::string& content) {
+  std::string_view digits = withoutBlanksAround(content);
   const bool negative = takeSign(digits);
   const bool isHexadecimal = digits.starts_with("0x") || digits.starts_with("0X");
   digits.remove_prefix(isHexadecimal ? 2 : 0);
@@ -74,8 +90,8 @@ double nearestReal(std::string_view digits) {
   return number;
 }
 
-std::optional<Value> readReal(std::string_view content) {
-  std::string_view digits = trimmed(content);
+std::optional<Value> readReal(std::string& content) {
+  std::string_view digits = withoutBlanksAround(content);
   const bool negative = takeSign(digits);
   double number = 0.0;
   const char* const end = digits.data() + digits.size();
@@ -89,110 +105,99 @@ std::optional<Value> readReal(std::string_view content) {
   return negative ? -number : number;
 }
 
-std::optional<Value> readDate(std::string_view content) {
-  constexpr std::string_view kForm = "0000-00-00T00:00:00Z";
-  const std::string_view text = trimmed(content);
-  const auto fits = [](char c, char form) {
-    return form == '0' ? isASCIIDigit(static_cast<unsigned char>(c)) : c == form;
-  };
-  if (!std::ranges::equal(text, kForm, fits)) {
-    return std::nullopt;
-  }
-  const auto field = [text](std::size_t position, std::size_t length) {
-    int number = 0;
-    std::from_chars(text.data() + position, text.data() + position + length, number);
-    return number;
-  };
-  using namespace std::chrono;
-  const year_month_day date(year(field(0, 4)), month(static_cast<unsigned>(field(5, 2))),
-                            day(static_cast<unsigned>(field(8, 2))));
-  const hours hour(field(11, 2));
-  const minutes minute(field(14, 2));
-  const seconds second(field(17, 2));
-  if (!date.ok() || hour >= 24h || minute >= 60min || second >= 60s) {
-    return std::nullopt;
-  }
-  const seconds elapsed = sys_days(date) - sys_days(2001y / January / 1) + hour + minute + second;
-  return Date{static_cast<double>(elapsed.count())};
+// As a value, if there is one.
+template <class Part>
+std::optional<Value> asValue(std::optional<Part> part) {
+  return part ? std::optional<Value>(std::move(*part)) : std::nullopt;
 }
 
-std::optional<unsigned> base64DigitValue(char c) {
-  constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  const std::size_t value = kDigits.find(c);
-  return value != kDigits.npos ? std::optional(static_cast<unsigned>(value)) : std::nullopt;
+std::optional<Value> readDate(std::string& content) {
+  return asValue(dateFromText(withoutBlanksAround(content)));
 }
 
-std::optional<Value> readData(std::string_view content) {
-  Value::Data data;
-  data.reserve(content.size() / 4 * 3);
-  std::size_t digits = 0;
-  std::size_t padding = 0;
-  unsigned bits = 0;  // the digits so far; older ones run out at the top
-  for (const char c : content) {
-    if (kXMLBlanks.find(c) != kXMLBlanks.npos) {
-      continue;
-    }
-    if (c == '=') {
-      ++padding;
-      continue;
-    }
-    const std::optional<unsigned> digit = base64DigitValue(c);
-    if (!digit || padding > 0) {
-      return std::nullopt;
-    }
-    bits = bits << 6 | *digit;
-    ++digits;
-    if (digits % 4 != 1) {
-      data.push_back(static_cast<std::uint8_t>(bits >> (4 - digits % 4) % 4 * 2));
-    }
-  }
-  if (padding > 2 || (digits + padding) % 4 != 0) {
-    return std::nullopt;
-  }
-  return data;
+std::optional<Value> readData(std::string& content) {
+  return asValue(property_list::dataFromBase64(content));
 }
 
 enum class Role {
   Root,
-  Container,
+  Array,
+  Dictionary,
   Key,
   Simple,
 };
 
+// A name of at most eight bytes as one number, which is quicker to find; 0, which is no element's, for longer ones.
+constexpr std::uint64_t nameCode(const char* name) {
+  std::uint64_t code = 0;
+  for (std::size_t length = 0; name[length] != 0; ++length) {
+    if (length == sizeof code) {
+      return 0;
+    }
+    code = code << 8 | static_cast<unsigned char>(name[length]);
+  }
+  return code;
+}
+
 struct Element {
-  std::string_view name;
+  const char* name;
   Role role;
   ContentReader read;          // null unless simple
   std::string_view complaint;  // what is said of a content that `read` does not take
+  std::uint64_t code = nameCode(name);
 };
 
-constexpr std::string_view kDictionaryElement = "dict";
-
+// The frequent ones first.
 constexpr std::array kElements{
-    Element{"plist", Role::Root, nullptr, ""},
-    Element{kDictionaryElement, Role::Container, nullptr, ""},
-    Element{"array", Role::Container, nullptr, ""},
     Element{"key", Role::Key, nullptr, ""},
     Element{"string", Role::Simple, readString, ""},
     Element{"integer", Role::Simple, readInteger, "which is no integer"},
     Element{"real", Role::Simple, readReal, "which is no number"},
     Element{"true", Role::Simple, readBoolean<true>, "but has to be empty"},
     Element{"false", Role::Simple, readBoolean<false>, "but has to be empty"},
+    Element{"dict", Role::Dictionary, nullptr, ""},
+    Element{"array", Role::Array, nullptr, ""},
     Element{"date", Role::Simple, readDate, "which is no date of the form 2001-12-31T23:59:59Z"},
     Element{"data", Role::Simple, readData, "which is no base64"},
+    Element{"plist", Role::Root, nullptr, ""},
 };
 
-// The first characters of `text` in one line, for messages.
-std::string excerpt(std::string_view text) {
-  constexpr std::size_t kLongest = 60;
-  std::string shown;
-  for (const char32_t c : CodePoints(text)) {
-    if (shown.size() >= kLongest) {
-      return shown + "…";
-    }
-    appendUTF8(shown, isBlank(c) ? U' ' : c);
+// Most of a document is ASCII, which is passed over in blocks of this many bytes.
+constexpr std::size_t kBlockSize = 32;
+
+// Whether `text` begins with a whole block of ASCII and has no NUL in it.
+bool isASCIIBlock(std::string_view text) {
+  if (text.size() < kBlockSize) {
+    return false;
   }
-  return shown;
+  // Without a branch and in bytes, so that compilers take many at once.
+  std::uint8_t foreign = 0;
+  for (const char c : text.substr(0, kBlockSize)) {
+    foreign = static_cast<std::uint8_t>(foreign | (static_cast<signed char>(c) <= 0 ? 1U : 0U));
+  }
+  return foreign == 0;
+}
+
+// Where the first bytes stand that are not UTF-8, or the first NUL; npos when there is neither.
+std::size_t firstForeignByte(std::string_view text) {
+  std::size_t position = 0;
+  while (position < text.size()) {
+    if (isASCIIBlock(text.substr(position))) {
+      position += kBlockSize;
+      continue;
+    }
+    const DecodedCharacter next = decodeCharacter(text.substr(position));
+    if (!next.valid || next.codePoint == 0) {
+      return position;
+    }
+    position += next.length;
+  }
+  return text.npos;
+}
+
+// The line, from 1, that `position` is in.
+std::size_t lineAt(std::string_view document, std::size_t position) {
+  return 1 + static_cast<std::size_t>(std::ranges::count(document.substr(0, position), '\n'));
 }
 
 std::string tag(std::string_view name) {
@@ -227,7 +232,7 @@ class Reader {
     Value::Dictionary dictionary;
     std::optional<std::string> key;  // of a dictionary: the key that has no value yet
 
-    [[nodiscard]] bool isDictionary() const { return element->name == kDictionaryElement; }
+    [[nodiscard]] bool isDictionary() const { return element->role == Role::Dictionary; }
   };
 
   struct FreeParser {
@@ -244,20 +249,16 @@ class Reader {
       fail("the document is in UTF-16; only UTF-8 is read", 1);
       return false;
     }
-    std::size_t line = 1;
-    for (std::string_view rest = document; !rest.empty();) {
-      const DecodedCharacter next = decodeCharacter(rest);
-      if (!next.valid || next.codePoint == 0) {
-        fail(next.valid ? "the document has a NUL byte" : "the document is not well-formed UTF-8", line);
-        return false;
-      }
-      line += next.codePoint == U'\n' ? 1 : 0;
-      rest.remove_prefix(next.length);
+    if (const std::size_t problem = firstForeignByte(document); problem != document.npos) {
+      fail(document[problem] == 0 ? "the document has a NUL byte" : "the document is not well-formed UTF-8",
+           lineAt(document, problem));
+      return false;
     }
     return true;
   }
 
   void parse(std::string_view document) {
+    mDocument = document;
     XML_SetUserData(mParser.get(), this);
     XML_SetXmlDeclHandler(mParser.get(), [](void* reader, const char*, const char* encoding, int) {
       guarded(reader, [encoding](Reader& self) { self.xmlDeclaration(encoding); });
@@ -332,14 +333,14 @@ class Reader {
     }
   }
 
-  void startElement(std::string_view name, const char** attributes) {
-    const auto* const element = std::ranges::find(kElements, name, &Element::name);
+  void startElement(const char* name, const char** attributes) {
+    const auto* const element = std::ranges::find(kElements, nameCode(name), &Element::code);
     if (element == kElements.end()) {
       fail("unknown element " + tag(name));
     } else if (mSimple != nullptr) {
       fail(tag(name) + " inside " + tag(mSimple->name));
     } else if (element->role == Role::Root) {
-      startRoot();
+      startRoot(attributes);
     } else if (*attributes != nullptr) {
       fail(tag(name) + " has an attribute " + excerpt(*attributes));
     } else if (element->role == Role::Key) {
@@ -349,10 +350,22 @@ class Reader {
     }
   }
 
-  void startRoot() {
+  void startRoot(const char** attributes) {
     if (std::exchange(mHasBegun, true)) {
       fail("<plist> inside another element");
+    } else if (*attributes == nullptr) {
+      return;
+    } else if (attributes[0] != std::string_view("version") || attributes[2] != nullptr) {
+      fail("<plist> has other attributes than a version");
+    } else if (currentTag().find('&') != std::string_view::npos) {
+      fail("<plist> has an entity in its version");  // Unknown ones expat leaves out of attributes without a word.
     }
+  }
+
+  // The bytes of the document that are being called back for.
+  [[nodiscard]] std::string_view currentTag() const {
+    return mDocument.substr(static_cast<std::size_t>(XML_GetCurrentByteIndex(mParser.get())),
+                            static_cast<std::size_t>(XML_GetCurrentByteCount(mParser.get())));
   }
 
   void startKey(const Element& element) {
@@ -380,7 +393,7 @@ class Reader {
   }
 
   void startValue(const Element& element) {
-    if (element.role != Role::Container) {
+    if (element.role == Role::Simple) {
       startContent(element);
     } else if (mOpen.size() == kMaximumPropertyListDepth) {
       fail(tag(element.name) + " is more than " + std::to_string(kMaximumPropertyListDepth) + " levels deep");
@@ -397,7 +410,7 @@ class Reader {
   void text(std::string_view text) {
     if (mSimple != nullptr) {
       mContent += text;
-    } else if (text.find_first_not_of(kXMLBlanks) != text.npos) {
+    } else if (!std::ranges::all_of(text, isXMLBlank)) {
       fail("text \"" + excerpt(text) + "\" outside <string> and its like");
     }
   }
@@ -442,7 +455,8 @@ class Reader {
     if (mOpen.empty()) {
       mRoot = std::move(value);
     } else if (Container& container = mOpen.back(); container.isDictionary()) {
-      container.dictionary.insert_or_assign(std::move(*container.key), std::move(value));
+      // In byte order, as documents are written, each key goes to the end.
+      container.dictionary.insert_or_assign(container.dictionary.end(), std::move(*container.key), std::move(value));
       container.key.reset();
     } else {
       container.list.push_back(std::move(value));
@@ -453,6 +467,7 @@ class Reader {
 
   // Told UTF-8, so that no other encoding is ever converted.
   std::unique_ptr<std::remove_pointer_t<XML_Parser>, FreeParser> mParser{XML_ParserCreate("UTF-8")};
+  std::string_view mDocument;
   std::optional<PropertyListError> mError;  // set once the document is refused
   bool mHasBegun = false;                   // whether any element came
   std::vector<Container> mOpen;             // outermost first

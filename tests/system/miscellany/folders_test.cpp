@@ -1,0 +1,59 @@
+#include "system/miscellany/folders.h"
+
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include "platform/users.h"
+#include "system/processes/simple_task.h"
+
+namespace SharedClasses {
+namespace {
+
+using Utilities::pathToDirectoryInDomain;
+
+// What the program prints that serves `user`, with HOME as given.
+std::string printedFor(const char* user, const char* home) {
+  ::setenv("HOME", home, 1);
+  std::optional<std::string> printed;
+  const SimpleTask task({.launchPath = PROGRAM_FOLDER "/marlow_home",
+                         .arguments = std::vector<std::string>{"-user", user},
+                         .outputText = &printed,
+                         .maxSecondsToWait = 30});
+  return printed.value_or("nothing");
+}
+
+// The C library's own look-ups are the reference.
+TEST(Folders, TheHomeFolderIsThatOfTheUserWhomTheProgramServes) {
+  const std::string own = ::getpwuid(::geteuid())->pw_name;
+  const std::string ownFolder = ::getpwuid(::geteuid())->pw_dir;
+  const std::string other = ::getpwnam("daemon")->pw_dir;
+  EXPECT_EQ(printedFor("daemon", "/pinned"), other + " " + other + "/Library\n") << "HOME is another user's";
+  EXPECT_EQ(printedFor("", "/pinned/"), "/pinned/ /pinned/Library\n");
+  EXPECT_EQ(printedFor(own.c_str(), "relative"), ownFolder + " " + ownFolder + "/Library\n");
+  EXPECT_EQ(printedFor("nobody-of-that-name", "/pinned"), " \n") << "not the library of the root folder";
+}
+
+TEST(Folders, StandardFoldersOfUserAndSystem) {
+  ::setenv("HOME", "/pinned", 1);
+  EXPECT_EQ(pathToDirectoryInDomain("library", "User"), "/pinned");
+  EXPECT_EQ(pathToDirectoryInDomain("Library", "User"), "/pinned/Library");
+  EXPECT_EQ(pathToDirectoryInDomain("Logs", "system"), "/pinned/Library/Logs");
+  EXPECT_EQ(pathToDirectoryInDomain("Library", "System"), "/usr/share");
+  EXPECT_EQ(pathToDirectoryInDomain("Application Support", "System"), "/usr/share/Application Support");
+  EXPECT_EQ(pathToDirectoryInDomain("Documents", "System"), "/home");
+  EXPECT_EQ(pathToDirectoryInDomain("Home", "System"), "/");
+}
+
+TEST(Users, AreFoundByTheirWholeNameAlone) {
+  const platform::User user = platform::userNamed("daemon").value_or(platform::User{});
+  EXPECT_EQ(user.userID, ::getpwnam("daemon")->pw_uid);
+  EXPECT_EQ(user.groupID, ::getpwnam("daemon")->pw_gid);
+  for (const std::string& name : {std::string(), std::string("daemon\0x", 8), std::string(1 << 22, 'x')}) {
+    EXPECT_FALSE(platform::userNamed(name)) << name.size();
+  }
+}
+
+}  // namespace
+}  // namespace SharedClasses
