@@ -10,6 +10,7 @@
 #include "protocols/onewire/ds18b20_scratch_pad.h"
 #include "protocols/x10/x10_actions.h"
 #include "protocols/x10/x10_addresses.h"
+#include "sun/sun_times.h"
 #include "tests/support/main_bundle.h"
 #include "wording/action_phrases.h"
 #include "wording/localized_strings.h"
@@ -49,6 +50,8 @@ TEST(Guide, ExamplesGiveWhatTheirCommentsSay) {
   const std::uint8_t bytes[] = {0x91, 0x01, 0x4B, 0x46, 0x7F, 0xFF, 0x0C, 0x10, 0x00};
   const auto pad = DS18B20ScratchPad::scratchPadWithDataAndSetCRC(bytes, true);
   pad->setUnits("C");
+  std::optional<platform::CalendarDate> day;
+  day.emplace(2026, 7, 4, 12, 0, 0, platform::TimeZone::named("America/New_York"));
   struct Example {
     std::string code;
     std::string result;
@@ -73,6 +76,8 @@ TEST(Guide, ExamplesGiveWhatTheirCommentsSay) {
       EXAMPLE(asText, Utilities::getString("keyAllLights")),
       EXAMPLE(asText, Utilities::getString("keyNobodyHasThis")),
       EXAMPLE(asText, Utilities::getStringFromTable("keyAnd", "Conjugations")),
+      EXAMPLE(asNumber, Utilities::sunriseFromLatitude({.latitude = 40, .longitude = -75, .toSunrise = &day})),
+      EXAMPLE(asText, day->description()),
   };
 #undef EXAMPLE
   for (const Example& example : examples) {

@@ -16,17 +16,23 @@ namespace {
 
 constexpr int kPatience = 10'000;  // milliseconds
 
-struct Pipe {
-  int readEnd = -1;
-  int writeEnd = -1;
-};
-
-Pipe makePipe() {
+// The end to read from and the one to write to.
+std::array<int, 2> makePipe() {
   std::array<int, 2> ends{};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
     std::abort();
   }
-  return {ends[0], ends[1]};
+  return ends;
+}
+
+// The null-terminated form that the system takes; points into `words`.
+std::vector<char*> pointersTo(std::vector<std::string>& words) {
+  std::vector<char*> pointers;
+  for (std::string& word : words) {
+    pointers.push_back(word.data());
+  }
+  pointers.push_back(nullptr);
+  return pointers;
 }
 
 // Appends what is there to `text`; false at the end of the stream or when nothing comes in time.
@@ -46,35 +52,36 @@ bool readSome(int end, std::string& text) {
 
 }  // namespace
 
-Tool::Tool(std::vector<std::string> arguments) {
+Tool::Tool(std::vector<std::string> arguments, const std::string& home) {
   ::signal(SIGPIPE, SIG_IGN);  // A tool that ends early must not end the tests.
-  const Pipe input = makePipe();
-  const Pipe output = makePipe();
-  const Pipe complaints = makePipe();
+  const auto [inputRead, inputWrite] = makePipe();
+  const auto [outputRead, outputWrite] = makePipe();
+  const auto [complaintsRead, complaintsWrite] = makePipe();
   posix_spawn_file_actions_t actions;
   ::posix_spawn_file_actions_init(&actions);
-  ::posix_spawn_file_actions_adddup2(&actions, input.readEnd, STDIN_FILENO);
-  ::posix_spawn_file_actions_adddup2(&actions, output.writeEnd, STDOUT_FILENO);
-  ::posix_spawn_file_actions_adddup2(&actions, complaints.writeEnd, STDERR_FILENO);
+  ::posix_spawn_file_actions_adddup2(&actions, inputRead, STDIN_FILENO);
+  ::posix_spawn_file_actions_adddup2(&actions, outputWrite, STDOUT_FILENO);
+  ::posix_spawn_file_actions_adddup2(&actions, complaintsWrite, STDERR_FILENO);
   arguments.insert(arguments.begin(), PROGRAM_FOLDER "/marlow");
-  std::vector<char*> words;
-  for (std::string& argument : arguments) {
-    words.push_back(argument.data());
-  }
-  words.push_back(nullptr);
-  std::string path = std::string("PATH=") + std::getenv("PATH");
-  std::string language = "LANGUAGE=en";
-  std::array<char*, 3> environment{path.data(), language.data(), nullptr};
-  if (::posix_spawn(&mChild, words[0], &actions, nullptr, words.data(), environment.data()) != 0) {
+  // Nothing of whoever runs the tests: neither the settings nor the texts.
+  const std::string& folder = home.empty() ? mFreshHome.path() : home;
+  std::vector<std::string> variables{std::string("PATH=") + std::getenv("PATH"),
+                                     "LANGUAGE=en",
+                                     "HOME=" + folder,
+                                     "XDG_CONFIG_HOME=" + folder + "/.config",
+                                     "XDG_CONFIG_DIRS=" + folder + "/etc",
+                                     "XDG_DATA_HOME=" + folder + "/.local/share"};
+  if (::posix_spawn(&mChild, arguments[0].c_str(), &actions, nullptr, pointersTo(arguments).data(),
+                    pointersTo(variables).data()) != 0) {
     mChild = -1;
   }
   ::posix_spawn_file_actions_destroy(&actions);
-  ::close(input.readEnd);
-  ::close(output.writeEnd);
-  ::close(complaints.writeEnd);
-  mInput = input.writeEnd;
-  mOutputEnd = output.readEnd;
-  mComplaintsEnd = complaints.readEnd;
+  ::close(inputRead);
+  ::close(outputWrite);
+  ::close(complaintsWrite);
+  mInput = inputWrite;
+  mOutputEnd = outputRead;
+  mComplaintsEnd = complaintsRead;
 }
 
 Tool::~Tool() {
@@ -88,13 +95,7 @@ Tool::~Tool() {
 }
 
 void Tool::write(std::string_view input) {
-  while (!input.empty()) {
-    const ssize_t count = ::write(mInput, input.data(), input.size());
-    if (count <= 0) {
-      return;
-    }
-    input.remove_prefix(static_cast<std::size_t>(count));
-  }
+  [[maybe_unused]] const ssize_t count = ::write(mInput, input.data(), input.size());  // readLine() misses what is lost
 }
 
 void Tool::closeInput() {
@@ -105,12 +106,12 @@ void Tool::closeInput() {
 }
 
 std::string Tool::readLine() {
-  while (mOutput.find('\n') == std::string::npos) {
+  std::size_t end = 0;
+  while ((end = mOutput.find('\n')) == std::string::npos) {
     if (!readSome(mOutputEnd, mOutput)) {
       return "(no line)";
     }
   }
-  const std::size_t end = mOutput.find('\n');
   const std::string line = mOutput.substr(0, end);
   mOutput.erase(0, end + 1);
   return line;
@@ -145,8 +146,8 @@ void Tool::finish(std::string_view input) {
   mExitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-ToolResult runTool(std::vector<std::string> arguments, std::string_view input) {
-  Tool tool(std::move(arguments));
+ToolResult runTool(std::vector<std::string> arguments, std::string_view input, const std::string& home) {
+  Tool tool(std::move(arguments), home);
   tool.finish(input);
   return {tool.output(), tool.complaints(), tool.exitCode()};
 }

@@ -3,17 +3,19 @@
 
 #include <sys/types.h>
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "tests/support/temporary_folder.h"
 
 namespace SharedClasses::tests {
 
 class Tool {
  public:
-  // Starts `marlow` with `arguments`, English texts and open pipes to its standard streams.
-  explicit Tool(std::vector<std::string> arguments);
+  // Starts `marlow` with `arguments`, English texts and open pipes to its standard streams. `home` is the user's home folder
+  // and holds the settings; empty for a fresh one.
+  explicit Tool(std::vector<std::string> arguments, const std::string& home = {});
   Tool(const Tool&) = delete;
   Tool& operator=(const Tool&) = delete;
   ~Tool();
@@ -33,6 +35,7 @@ class Tool {
  private:
   void closeInput();
 
+  TemporaryFolder mFreshHome;
   pid_t mChild = -1;
   int mInput = -1;
   int mOutputEnd = -1;
@@ -48,6 +51,6 @@ struct ToolResult {
   std::string complaints;
   int exitCode;
 };
-ToolResult runTool(std::vector<std::string> arguments, std::string_view input = {});
+ToolResult runTool(std::vector<std::string> arguments, std::string_view input = {}, const std::string& home = {});
 
 }  // namespace SharedClasses::tests

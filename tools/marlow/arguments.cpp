@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/text.h"
+
 namespace SharedClasses::marlow {
 
 namespace {
@@ -43,6 +45,9 @@ std::optional<Arguments> Arguments::parse(std::span<const std::string_view> word
     const OptionSpecification* option = specificationOf(name, options);
     if (option == nullptr) {
       *error = "unknown option " + std::string(name);
+      if (platform::isASCIIDigit(static_cast<unsigned char>(word[1]))) {
+        *error += "; a number below 0 stands behind --";
+      }
       return std::nullopt;
     }
     std::string value;

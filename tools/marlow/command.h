@@ -31,9 +31,12 @@ extern const Command kListenCommand;
 extern const Command kLogCommand;
 extern const Command kOneWireCommand;
 extern const Command kPadCommand;
+extern const Command kPrefsCommand;
 extern const Command kRunCommand;
 extern const Command kRunningCommand;
 extern const Command kStringsCommand;
+extern const Command kSunCommand;
 extern const Command kX10Command;
+extern const Command kZoneCommand;
 
 }  // namespace SharedClasses::marlow

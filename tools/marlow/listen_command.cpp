@@ -8,6 +8,8 @@
 #include "platform/terminal.h"
 #include "platform/text_format.h"
 #include "protocols/onewire/addresses.h"
+#include "shared/constants.h"
+#include "shared/preferences.h"
 #include "tools/marlow/command.h"
 #include "tools/marlow/device_names.h"
 #include "tools/marlow/input_lines.h"
@@ -29,7 +31,8 @@ constexpr OptionSpecification kOptions[] = {{"--devices", true}, {"--units", tru
 // What the lines of one run have in common.
 struct Listening {
   DeviceNames names;
-  std::string units = "F";  // of temperatures
+  std::string units;  // of temperatures
+  bool showsTimes = true;
   bool asJSON = false;
 };
 
@@ -119,7 +122,8 @@ void print(const TrafficLine& line, const Listening& listening) {
   const Reading reading = isReading ? readingOf(line, listening.units) : Reading();
   const std::string sentence = isReading ? readingSentence(line, reading, listening) : sentenceFor(line, listening);
   if (!listening.asJSON) {
-    printLine(line.time.substr(0, 10) + " " + line.time.substr(11) + "  " + sentence);
+    const std::string time = line.time.substr(0, 10) + " " + line.time.substr(11) + "  ";
+    printLine((listening.showsTimes ? time : "") + sentence);
     return;
   }
   Value::Dictionary fields{
@@ -171,6 +175,20 @@ bool listen(std::istream& stream, const std::string& source, const Listening& li
   return allGood;
 }
 
+// The units that the user prefers; the usual ones where the settings hold none. To look is no program start, so the shared
+// preferences are left alone.
+std::string preferredUnits(const platform::SettingsStore& settings) {
+  constexpr std::string_view kKey = "temperatureUnits";
+  std::string usual = Preferences::defaultValue(kKey).description();
+  const Value stored = settings.value(kKey);
+  std::string units = stored.isAbsent() ? usual : stored.description();
+  if (isTemperatureUnit(units)) {
+    return units;
+  }
+  complain("listen: the setting temperatureUnits is " + quoted(units) + ", none of C, F and K; taking " + usual);
+  return usual;
+}
+
 ExitCode run(const Arguments& arguments) {
   if (arguments.operands().size() > 1) {
     complain("listen: one file at a time; see marlow listen --help");
@@ -179,7 +197,10 @@ ExitCode run(const Arguments& arguments) {
   ExitCode code = ExitCode::AllWell;
   Listening listening;
   listening.asJSON = arguments.wantsJSON();
-  listening.units = arguments.value("--units").value_or(listening.units);
+  const std::shared_ptr<platform::SettingsStore> settings = platform::SettingsStore::standard();
+  listening.showsTimes = Preferences::booleanOf(settings->value(kPrefKeyLogTimestamps)).value_or(true);
+  const std::optional<std::string> units = arguments.value("--units");
+  listening.units = units ? *units : preferredUnits(*settings);
   if (!isTemperatureUnit(listening.units)) {
     complain("listen: --units is C, F or K");
     return ExitCode::CannotRun;
@@ -224,8 +245,8 @@ const Command kListenCommand = {
     .summary = "turn recorded traffic into the log that a home owner reads",
     .usage = "[--devices FILE] [--units C|F|K] [--json] [FILE]",
     .help =
-        "Reads one heard command or read thermometer a line from FILE or standard input and prints a dated sentence "
-        "for each at once:\n"
+        "Reads one heard command or read thermometer a line from FILE or standard input and prints for each at once a\n"
+        "dated sentence:\n"
         "  2026-06-01T18:05:00 x10 A1 2               X10 address, function 0 to 15\n"
         "  2026-06-01T18:05:04 x10 A1 4 40%           dim (4) and brighten (5) with a percentage\n"
         "  2026-06-01T18:06:30 x10 B 1                a whole house: functions 0, 1, 6\n"
@@ -236,7 +257,9 @@ const Command kListenCommand = {
         "error; the rest is read, and the exit code is 1.\n"
         "  --devices FILE  names of addresses: lines such as \"A1 hall lamp\", or an XML property list, a dictionary\n"
         "                  of names by address\n"
-        "  --units UNITS   of temperatures; F unless given\n"
+        "  --units UNITS   of temperatures; those of the setting temperatureUnits unless given\n"
+        "Sentences stand without their times where the setting logTimestamps is no (marlow prefs set logTimestamps "
+        "no).\n"
         "\n"
         "  marlow listen --devices examples/devices.txt examples/recorded_day.txt\n"
         "  tail -f traffic.txt | marlow listen\n",
