@@ -213,16 +213,10 @@ class ContentOf {
   std::optional<Place> mPlace;
 };
 
-// `value` as the integer that it means. People mend the file by hand, so a text counts by the digits that it begins with.
-std::int64_t integerOf(const Value& value) {
-  if (const std::string* const text = value.text()) {
-    return platform::lenientInteger64(*text);
-  }
-  return value.integerValue().value_or(0);
-}
-
 double degreesInStore(const SettingsStore& store, const Coordinate& coordinate) {
-  const auto part = [&store](std::string_view key) { return static_cast<double>(integerOf(store.value(key))); };
+  const auto part = [&store](std::string_view key) {
+    return static_cast<double>(Preferences::integerOf(store.value(key)));
+  };
   const double degrees = part(coordinate.degrees) + part(coordinate.minutes) / 60.0 + part(coordinate.seconds) / 3600.0;
   const Value side = store.value(coordinate.side);
   const bool isNegative = side.text() != nullptr && *side.text() == coordinate.negativeSide;
@@ -322,6 +316,13 @@ Value Preferences::valueInStore(const SettingsStore& store, std::string_view key
     }
   }
   return store.value(key);
+}
+
+std::int64_t Preferences::integerOf(const Value& value) {
+  if (const std::string* const text = value.text()) {
+    return platform::lenientInteger64(*text);
+  }
+  return value.integerValue().value_or(0);
 }
 
 std::optional<bool> Preferences::booleanOf(const Value& value) {

@@ -3,6 +3,7 @@
 // The first use belongs on the main thread; from then on all of it is safe on any thread.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
@@ -71,6 +72,10 @@ class Preferences {
 
   // What get() reads from `store`.
   [[nodiscard]] static platform::Value valueInStore(const platform::SettingsStore& store, std::string_view key);
+
+  // `value` as the integer that it means: a text, which people who mend the file by hand may have written, by the digits that
+  // it begins with; 0 for what is no number.
+  [[nodiscard]] static std::int64_t integerOf(const platform::Value& value);
 
   // `value` as yes or no. A number is yes unless it is 0. Of texts, which people who mend the file by hand may have written,
   // "yes", "true", "on" and "1" are yes, "no", "false", "off" and "0" are no, in any case and between blanks. Absent for all

@@ -26,6 +26,12 @@ constexpr std::string_view kDefaultTableKeys[] = {
     "keyStatusOnDimmed",
     "keyThermometerNotMeasuredFormat",
     "keyThermometerReadingFormat",
+    // Words for times and days
+    "keyAM",
+    "keyPM",
+    "keyToday",
+    "keyTomorrow",
+    "keyYesterday",
     // Texts of the programs
     "keyCurrentLanguage",
     "keyDaysOfWeek",

@@ -26,16 +26,22 @@ struct Command {
 // The commands, each in a source of its own name.
 extern const Command kActionCommand;
 extern const Command kAgentsCommand;
+extern const Command kClockCommand;
+extern const Command kDaysCommand;
 extern const Command kInsteonCommand;
 extern const Command kListenCommand;
 extern const Command kLogCommand;
+extern const Command kMessageCommand;
 extern const Command kOneWireCommand;
 extern const Command kPadCommand;
 extern const Command kPrefsCommand;
 extern const Command kRunCommand;
 extern const Command kRunningCommand;
+extern const Command kSizeCommand;
 extern const Command kStringsCommand;
 extern const Command kSunCommand;
+extern const Command kUpdatesCommand;
+extern const Command kVersionCommand;
 extern const Command kX10Command;
 extern const Command kZoneCommand;
 

@@ -15,9 +15,11 @@ namespace SharedClasses::marlow {
 namespace {
 
 // In the order in which `--help` lists them.
-constexpr const Command* kCommands[] = {
-    &kListenCommand, &kLogCommand,  &kX10Command,   &kInsteonCommand, &kOneWireCommand, &kPadCommand, &kActionCommand,
-    &kSunCommand,    &kZoneCommand, &kPrefsCommand, &kAgentsCommand,  &kRunningCommand, &kRunCommand, &kStringsCommand};
+constexpr const Command* kCommands[] = {&kListenCommand,  &kLogCommand,     &kX10Command,     &kInsteonCommand,
+                                        &kOneWireCommand, &kPadCommand,     &kActionCommand,  &kClockCommand,
+                                        &kDaysCommand,    &kSizeCommand,    &kMessageCommand, &kVersionCommand,
+                                        &kUpdatesCommand, &kSunCommand,     &kZoneCommand,    &kPrefsCommand,
+                                        &kAgentsCommand,  &kRunningCommand, &kRunCommand,     &kStringsCommand};
 
 // A person at the command line reads standard error, not the system's log.
 class ComplainingLog : public platform::LogSink {

@@ -15,6 +15,7 @@
 #include "tests/support/named_sleeper.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/tool.h"
+#include "tests/support/turn.h"
 
 namespace SharedClasses::tests {
 namespace {
@@ -39,6 +40,7 @@ struct Authorization : PrivilegedExecution {
 };
 
 TEST(ProcessName, IsAPatternForTheNamesOfWhatRuns) {
+  const Turn turn;
   TemporaryFolder folder;
   const NamedSleeper sleeper(folder, "Zq7XTension-V\u00E9");
   // Tools would cut names and not know their letters.
@@ -80,6 +82,7 @@ TEST(ProcessName, WhatCannotBeAskedIsLoggedAndFalse) {
 }
 
 TEST(Classic, IsFoundByTheNameThatListingsCut) {
+  const Turn turn;
   TemporaryFolder folder;
   EXPECT_FALSE(Utilities::isClassicRunning());
   const NamedSleeper sleeper(folder, "TruBlueEnvironment");

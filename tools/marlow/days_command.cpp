@@ -1,0 +1,88 @@
+#include <charconv>
+#include <stdexcept>
+
+#include "platform/text.h"
+#include "tools/marlow/command.h"
+#include "tools/marlow/input_lines.h"
+#include "tools/marlow/output.h"
+#include "wording/formatting.h"
+
+namespace SharedClasses::marlow {
+
+namespace {
+
+using platform::Value;
+
+constexpr std::size_t kDaysOfWeek = 7;
+constexpr std::int32_t kLargestMask = 127;
+
+// The mask that `input` is or shows; absent when it is neither.
+std::optional<std::int32_t> maskOf(std::string_view input) {
+  const std::string_view text = platform::trimmed(input);
+  if (platform::codePointCount(text) == kDaysOfWeek) {
+    return Utilities::daysOfWeekFromString(text);
+  }
+  const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
+  const std::string_view digits = text.substr(isHexadecimal ? 2 : 0);
+  std::uint32_t mask = 0;
+  const auto [rest, error] =
+      std::from_chars(digits.data(), digits.data() + digits.size(), mask, isHexadecimal ? 16 : 10);
+  const bool isMask = error == std::errc() && rest == digits.data() + digits.size() && mask <= kLargestMask;
+  return isMask ? std::optional(static_cast<std::int32_t>(mask)) : std::nullopt;
+}
+
+bool refuse(std::string_view input, const std::string& fault, bool asJSON) {
+  if (asJSON) {
+    printJSON(Value::Dictionary{{"input", input}, {"error", fault}});
+  }
+  complain(quoted(input) + ": " + fault);
+  return false;
+}
+
+bool describe(std::string_view input, bool asJSON) {
+  const std::optional<std::int32_t> mask = maskOf(input);
+  if (!mask) {
+    return refuse(input, "neither a text of seven characters nor a mask, 0 to 127", asJSON);
+  }
+  std::string text;
+  try {
+    text = Utilities::daysOfWeekAsString(*mask);
+  } catch (const std::out_of_range& missing) {
+    return refuse(input, missing.what(), asJSON);
+  }
+  if (asJSON) {
+    printJSON(Value::Dictionary{{"input", input}, {"mask", *mask}, {"text", text}});
+  } else {
+    printLine(text + ": mask " + std::to_string(*mask) + " (" + hexText(static_cast<std::uint32_t>(*mask)) + ")");
+  }
+  return true;
+}
+
+ExitCode run(const Arguments& arguments) {
+  return forEachInput("days", arguments,
+                      [&](std::string_view input) { return describe(input, arguments.wantsJSON()); });
+}
+
+}  // namespace
+
+const Command kDaysCommand = {
+    .name = "days",
+    .summary = "translate between masks and texts of weekdays",
+    .usage = "[--json] [TEXT|MASK…]",
+    .help =
+        "Prints days of the week both ways: the text in the user's language, and the mask.\n"
+        "TEXT has seven characters, \"-\" for each day that is not chosen; any other character marks its day. Texts "
+        "that\n"
+        "begin with \"-\" stand behind --. MASK is 0 to 127, also in hex with 0x: 64 is the day shown first, 1, 2, 4, "
+        "8, 16\n"
+        "and 32 are those behind it. Seven digits are a text.\n"
+        "Without any, or with -, reads one a line from standard input.\n"
+        "\n"
+        "  marlow days 62 0x41 S-T----\n"
+        "  marlow days -- -MTWTF-\n",
+    .options = {},
+    .wordsThings = true,
+    .run = run,
+};
+
+}  // namespace SharedClasses::marlow

@@ -1,0 +1,65 @@
+#include "updates/network_connection.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/exceptions.h"
+#include "platform/routes.h"
+#include "system/processes/simple_task.h"
+#include "wording/localized_strings.h"
+
+namespace SharedClasses::Utilities {
+
+namespace {
+
+constexpr double kLookupLimit = 4.0;           // seconds
+constexpr const char* kLookupToolLimit = "3";  // seconds; sooner, so that the tool is not left running
+
+// The host of an address: "http://user@host:80/path", "https://[::1]/". Empty where there is none.
+std::string_view hostOfURL(std::string_view url) {
+  const std::size_t scheme = url.find("://");
+  if (scheme == std::string_view::npos) {
+    return {};
+  }
+  url.remove_prefix(scheme + 3);
+  url = url.substr(0, url.find_first_of("/?#"));
+  url.remove_prefix(url.rfind('@') + 1);  // npos, the largest, becomes 0
+  return url.starts_with('[') ? url.substr(1, url.find(']') - 1) : url.substr(0, url.find(':'));
+}
+
+// One line for each address: "192.0.2.1  STREAM host.example". Empty when there is none or it did not come in time.
+std::string addressListOfHost(std::string_view host) {
+  std::optional<std::string> output;
+  static_cast<void>(platform::nameOfThrown([&] {
+    const SimpleTask task(
+        {.launchPath = "/usr/bin/timeout",
+         .arguments = std::vector<std::string>{kLookupToolLimit, "/usr/bin/getent", "--", "ahosts", std::string(host)},
+         .outputText = &output,
+         .maxSecondsToWait = kLookupLimit,
+         .environmentChanges = {{"LC_ALL", "C.UTF-8"}}});
+  }));
+  return output.value_or("");
+}
+
+}  // namespace
+
+bool hasNetworkConnection() {
+  const std::string_view host = hostOfURL(viewOfString("keyLatestVersionURL"));
+  if (host.empty()) {
+    return false;
+  }
+  const std::string list = addressListOfHost(host);
+  for (std::string_view rest = list; !rest.empty();) {
+    const std::string_view line = rest.substr(0, rest.find('\n'));
+    if (platform::hasRoute(std::string(line.substr(0, line.find(' '))))) {
+      return true;
+    }
+    rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+  }
+  return false;
+}
+
+}  // namespace SharedClasses::Utilities
