@@ -52,8 +52,8 @@ struct Schedule {
   explicit Schedule(const platform::SettingsStore& settings)
       : isWanted(
             Preferences::booleanOf(Preferences::valueInStore(settings, kPrefKeyCheckForNewVersions)).value_or(false)),
-        interval(std::max(numberIn(settings, kPrefKeyVersionCheckInterval), kShortestInterval)),
-        lastCheck(numberIn(settings, kPrefKeyTimeOfLastVersionCheck)) {}
+        interval(std::max(intervalIn(settings), kShortestInterval)),
+        lastCheck(numberOf(Preferences::valueInStore(settings, kPrefKeyTimeOfLastVersionCheck))) {}
   Schedule() : Schedule(*std::shared_ptr(Preferences::sharedPreferences().userDefaults())) {}
 
   [[nodiscard]] bool hasRunOut() const {
@@ -62,10 +62,16 @@ struct Schedule {
 
  private:
   // 0 for what is no number.
-  static double numberIn(const platform::SettingsStore& settings, std::string_view key) {
-    const Value value = Preferences::valueInStore(settings, key);
+  static double numberOf(const Value& value) {
     const double number = value.realValue().value_or(static_cast<double>(Preferences::integerOf(value)));
     return std::isnan(number) ? 0.0 : number;
+  }
+
+  // The default where nothing is stored, or a word: nobody means to ask every second by that.
+  static double intervalIn(const platform::SettingsStore& settings) {
+    const Value stored = Preferences::valueInStore(settings, kPrefKeyVersionCheckInterval);
+    const bool isGiven = stored.isNumber() || Preferences::integerOf(stored) > 0;
+    return numberOf(isGiven ? stored : Preferences::defaultValue(kPrefKeyVersionCheckInterval));
   }
 };
 
@@ -128,18 +134,20 @@ void VersionManager::syncToPrefs() {
 }
 
 std::int32_t VersionManager::retrieveVersionInfo() {
-  if (!Utilities::appIsAgent()) {
+  if (mIsRetrieving || !Utilities::appIsAgent()) {
     return kNothingRetrieved;
   }
   mSelfVersionStr = bundleVersion();
   const std::string address(Utilities::viewOfString("keyLatestVersionURL"));
   const std::weak_ptr<void> alive = mAlive;
+  mIsRetrieving = true;
   URLFetcher fetcher;
   const std::int32_t result =
       fetcher.startURLRequest({.url = address + "?fromVersion=" + mSelfVersionStr, .withTimeout = kFetchTimeout});
   if (alive.expired()) {
     return kNothingRetrieved;  // what ran while the fetch waited has destroyed this manager
   }
+  mIsRetrieving = false;
   if (result != URLFetcher::kFinished) {
     return result;
   }

@@ -37,11 +37,12 @@ class VersionManager : public VersionNumbers {
 
   // Brings the timer in line with the preferences "checkForAppUpdates" and "updatesCheckInterval": to be called whenever
   // they change. Without a wish to check there is no timer. A new one ticks on the calling thread's run loop, after a second
-  // where the last check is longer ago than the interval. Intervals below one second, and what is no number, count as one
-  // second.
+  // where the last check is longer ago than the interval. Intervals below one second, and the one that is not a
+  // number, count as one second; nothing stored, and a word, as the default of a week.
   void syncToPrefs();
 
-  // Fetches the document and evaluates it. Only the agent does: -1, and nothing else, in any other program. A failed fetch
+  // Fetches the document and evaluates it. Only the agent does: -1, and nothing else, in any other program, and where
+  // a callback asks for it while this waits. A failed fetch
   // gives its result (updates/url_fetcher.h), an answer without text -1; nothing changes then, and a check that was due
   // stays due. Otherwise the check is done, what is newer is kept, and the time is stored. Waits up to 4 seconds.
   // Kept: the result of a check that was done is that of the last comparison of versions, 1, 0 or -1, and says nothing. Ask
@@ -76,6 +77,7 @@ class VersionManager : public VersionNumbers {
   void stopTimer();
 
   bool mGotVersionInfo = false;
+  bool mIsRetrieving = false;
   std::string mSelfVersionStr;
   VersionStruct mSelfVersionStruct;
   VersionDocument mDocument;  // that was evaluated last

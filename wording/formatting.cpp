@@ -1,7 +1,6 @@
 #include "wording/formatting.h"
 
 #include <stdexcept>
-#include <vector>
 
 #include "platform/clock.h"
 #include "platform/gregorian.h"
@@ -203,8 +202,11 @@ TimeFormat chosenTimeFormat() {
 }
 
 std::string formattedTimeWithHourAndMinute(std::int32_t hour, std::int32_t minute) {
+  return formattedTime(dateWithHourAndMinute(hour, minute));
+}
+
+std::string formattedTime(const CalendarDate& date) {
   constexpr std::string_view kHalfDays = "NSAMPMDesignation";
-  const CalendarDate date = dateWithHourAndMinute(hour, minute);
   const std::string morning = designation(kHalfDays, 0, "keyAM");
   const std::string afternoon = designation(kHalfDays, 1, "keyPM");
   return timeWithPattern(chosenTimeFormat().pattern, {.hour = date.hourOfDay(), .minute = date.minuteOfHour()},

@@ -73,6 +73,9 @@ struct TimeFormat {
 // PM", "14:05". The words for the halves of the day are those of the settings, else "keyAM" and "keyPM".
 [[nodiscard]] std::string formattedTimeWithHourAndMinute(std::int32_t hour, std::int32_t minute);
 
+// The same for the time of day that `date` shows.
+[[nodiscard]] std::string formattedTime(const platform::CalendarDate& date);
+
 // `dateWithHour:andMinute:`
 // Today at that time of the local zone. Numbers out of their range are carried on; a time that today does not have
 // moves forward (platform/calendar_date.h).

@@ -16,7 +16,7 @@ bool startsWithDigit(std::string_view text) {
   return !text.empty() && platform::isASCIIDigit(static_cast<unsigned char>(text[0]));
 }
 
-// Writes the patterns fields and texts one after another; each takes what it read off the front of `mRest`.
+// Writes the pattern's fields and texts one after another; each takes what it read off the front of `mRest`.
 class PatternWriter {
  public:
   PatternWriter(std::string_view pattern, const TimeOfDay& time, const HalfDayWords& words)

@@ -95,6 +95,8 @@ TEST_F(VersionManagerTest, TheFirstCheckComesAtOnceWhenOverdueAndEachFurtherOneA
       {"interval with a fraction", true, 2.5, now, std::chrono::milliseconds(2500), std::chrono::milliseconds(2500)},
       {"interval negative", true, -5, now, seconds(1), seconds(1)},
       {"interval no number", true, kNaN, now, seconds(1), seconds(1)},
+      {"no interval", true, {}, now, std::chrono::weeks(1), std::chrono::weeks(1)},
+      {"interval a word", true, "weekly", now, std::chrono::weeks(1), std::chrono::weeks(1)},
       {"interval a text", true, "3600", now, seconds(3600), seconds(3600)},
       {"interval without end", true, kInfinity, 0, std::chrono::years(100), std::chrono::years(100)},
   };

@@ -30,8 +30,7 @@ std::optional<std::int32_t> numberBelow(std::string_view digits, std::int32_t en
 
 Words wordsOf(platform::Date instant) {
   const CalendarDate date(instant);
-  return {Utilities::formattedTimeWithHourAndMinute(date.hourOfDay(), date.minuteOfHour()),
-          NaturalLanguage::relativeDay(date).value_or("")};
+  return {Utilities::formattedTime(date), NaturalLanguage::relativeDay(date).value_or("")};
 }
 
 // Absent for what is neither a date nor a time of day.

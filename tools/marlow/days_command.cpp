@@ -19,11 +19,11 @@ constexpr std::int32_t kLargestMask = 127;
 // The mask that `input` is or shows; absent when it is neither.
 std::optional<std::int32_t> maskOf(std::string_view input) {
   const std::string_view text = platform::trimmed(input);
-  if (platform::codePointCount(text) == kDaysOfWeek) {
-    return Utilities::daysOfWeekFromString(text);
-  }
   const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
   const std::string_view digits = text.substr(isHexadecimal ? 2 : 0);
+  if (!isHexadecimal && platform::codePointCount(input) == kDaysOfWeek) {
+    return Utilities::daysOfWeekFromString(input);
+  }
   std::uint32_t mask = 0;
   const auto [rest, error] =
       std::from_chars(digits.data(), digits.data() + digits.size(), mask, isHexadecimal ? 16 : 10);
