@@ -13,8 +13,8 @@ std::int32_t calc1WireCRC16(std::span<const std::uint8_t> bytes) noexcept {
   return calcCRC16OfBytesWithSeed(bytes, 0);
 }
 
-std::int32_t calcCRC16OfBytesWithSeed(std::span<const std::uint8_t> bytes, std::uint32_t seed) noexcept {
-  std::uint32_t crc = seed;
+std::int32_t calcCRC16OfBytesWithSeed(std::span<const std::uint8_t> bytes, std::uint32_t initial) noexcept {
+  std::uint32_t crc = initial;
   for (const std::uint8_t byte : bytes) {
     std::uint32_t mixed = (byte ^ crc) & 0xFFU;
     crc >>= 8;

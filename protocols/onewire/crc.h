@@ -26,10 +26,10 @@ inline constexpr std::array<std::uint8_t, 256> OneWireCRC8Table = [] {
 inline constexpr std::array<std::int32_t, 16> OneWireCRC16Table = {0, 1, 1, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0, 1, 1, 0};
 
 // `calcCRC8OfBytes:withSeed:`
-// CRC-8, 0 to 255, from the low 8 bits of `seed` on.
+// CRC-8, 0 to 255, from the low 8 bits of `initial` on.
 [[nodiscard]] constexpr std::int32_t calcCRC8OfBytesWithSeed(std::span<const std::uint8_t> bytes,
-                                                             std::int32_t seed) noexcept {
-  auto crc = static_cast<std::uint8_t>(seed);
+                                                             std::int32_t initial) noexcept {
+  auto crc = static_cast<std::uint8_t>(initial);
   for (const std::uint8_t byte : bytes) {
     crc = OneWireCRC8Table[crc ^ byte];
   }
@@ -49,8 +49,9 @@ inline constexpr std::int32_t kBlockFails = -1;
 [[nodiscard]] std::int32_t calc1WireCRC16(std::span<const std::uint8_t> bytes) noexcept;
 
 // `calcCRC16OfBytes:withSeed:`
-// The same from `seed` on.
-// Kept: bits of the seed above the low 16 are not masked off; they are shifted in byte by byte.
-[[nodiscard]] std::int32_t calcCRC16OfBytesWithSeed(std::span<const std::uint8_t> bytes, std::uint32_t seed) noexcept;
+// The same from `initial` on.
+// Kept: bits of `initial` above the low 16 are not masked off; they are shifted in byte by byte.
+[[nodiscard]] std::int32_t calcCRC16OfBytesWithSeed(std::span<const std::uint8_t> bytes,
+                                                    std::uint32_t initial) noexcept;
 
 }  // namespace SharedClasses::OneWireUtilities

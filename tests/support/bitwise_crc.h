@@ -6,15 +6,15 @@
 
 namespace SharedClasses::tests {
 
-// The register behind `bytes`, from `seed` on: `polynomial` is 0x8C for CRC-8, 0xA001 for CRC-16.
-inline std::uint32_t bitwiseCRC(std::span<const std::uint8_t> bytes, std::uint32_t polynomial, std::uint32_t seed = 0) {
+// The register behind `bytes`, from `crc` on: `polynomial` is 0x8C for CRC-8, 0xA001 for CRC-16.
+inline std::uint32_t bitwiseCRC(std::span<const std::uint8_t> bytes, std::uint32_t polynomial, std::uint32_t crc = 0) {
   for (const std::uint8_t byte : bytes) {
     for (unsigned bit = 0; bit < 8; ++bit) {
-      const bool carry = ((seed ^ byte >> bit) & 1U) != 0;
-      seed = seed >> 1 ^ (carry ? polynomial : 0);
+      const bool carry = ((crc ^ byte >> bit) & 1U) != 0;
+      crc = crc >> 1 ^ (carry ? polynomial : 0);
     }
   }
-  return seed;
+  return crc;
 }
 
 }  // namespace SharedClasses::tests

@@ -15,12 +15,13 @@ static const Block sCheckInput = {'1', '2', '3', '4', '5', '6', '7', '8', '9'}; 
 
 TEST(CRC8, GivesThePublishedCheckValueAndAgreesWithThePolynomialFromEverySeed) {
   EXPECT_EQ(calc1WireCRC(sCheckInput), 0xA1) << "CRC-8/MAXIM";
-  EXPECT_EQ(calcCRC8OfBytesWithSeed({}, -255), 1) << "of a seed the low 8 bits count, also without bytes";
+  EXPECT_EQ(calcCRC8OfBytesWithSeed({}, -255), 1) << "of the initial value the low 8 bits count, also without bytes";
   Block block;
-  for (std::uint32_t seed = 0; seed < 256; ++seed) {
-    block.push_back(static_cast<std::uint8_t>(seed * 37));
-    EXPECT_EQ(OneWireCRC8Table[seed], bitwiseCRC(Block{0}, 0x8C, seed));
-    EXPECT_EQ(calcCRC8OfBytesWithSeed(block, static_cast<std::int32_t>(seed - 256)), bitwiseCRC(block, 0x8C, seed));
+  for (std::uint32_t initial = 0; initial < 256; ++initial) {
+    block.push_back(static_cast<std::uint8_t>(initial * 37));
+    EXPECT_EQ(OneWireCRC8Table[initial], bitwiseCRC(Block{0}, 0x8C, initial));
+    EXPECT_EQ(calcCRC8OfBytesWithSeed(block, static_cast<std::int32_t>(initial - 256)),
+              bitwiseCRC(block, 0x8C, initial));
   }
 }
 
@@ -35,11 +36,11 @@ TEST(CRC16, ABlockChecksBehindItsInvertedCRCFromEverySeedAndNotWithAFlippedBit) 
   }
   EXPECT_EQ(calc1WireCRC16({}), -1);
   EXPECT_EQ(calcCRC16OfBytesWithSeed({}, 0x1B001), -1) << "no mask to 16 bits";
-  for (std::uint32_t seed = 1; seed < 0x80000000; seed += seed / 7 + 1) {
-    block.assign(2 + seed % 5, static_cast<std::uint8_t>(seed));  // two bytes shift out what stands above 16 bits
-    const std::uint32_t crc = ~bitwiseCRC(block, 0xA001, seed);
+  for (std::uint32_t initial = 1; initial < 0x80000000; initial += initial / 7 + 1) {
+    block.assign(2 + initial % 5, static_cast<std::uint8_t>(initial));  // two bytes shift out what stands above 16 bits
+    const std::uint32_t crc = ~bitwiseCRC(block, 0xA001, initial);
     block.insert(block.end(), {static_cast<std::uint8_t>(crc), static_cast<std::uint8_t>(crc >> 8)});
-    EXPECT_EQ(calcCRC16OfBytesWithSeed(block, seed), 0) << seed;
+    EXPECT_EQ(calcCRC16OfBytesWithSeed(block, initial), 0) << initial;
   }
 }
 
