@@ -9,25 +9,29 @@
 #include "platform/exceptions.h"
 #include "platform/routes.h"
 #include "system/processes/simple_task.h"
+#include "updates/safe_url_connection.h"
 #include "wording/localized_strings.h"
 
 namespace SharedClasses::Utilities {
 
 namespace {
 
-constexpr double kLookupLimit = 4.0;           // seconds
-constexpr const char* kLookupToolLimit = "3";  // seconds; sooner, so that the tool is not left running
+constexpr double kWaitLimit = 4.0;         // seconds
+constexpr const char* kLookupLimit = "3";  // seconds; sooner, so that the tool is not left running
 
-// The host of an address: "http://user@host:80/path", "https://[::1]/". Empty where there is none.
+// The host of a web address: "http://user@host:80/path", "https://[::1]/". Empty where there is none.
 std::string_view hostOfURL(std::string_view url) {
-  const std::size_t scheme = url.find("://");
-  if (scheme == std::string_view::npos) {
+  if (!SafeURLConnection::isWebAddress(url)) {
     return {};
   }
-  url.remove_prefix(scheme + 3);
+  url.remove_prefix(url.find("://") + 3);
   url = url.substr(0, url.find_first_of("/?#"));
   url.remove_prefix(url.rfind('@') + 1);  // npos, the largest, becomes 0
-  return url.starts_with('[') ? url.substr(1, url.find(']') - 1) : url.substr(0, url.find(':'));
+  if (!url.starts_with('[')) {
+    return url.substr(0, url.find(':'));
+  }
+  const std::size_t end = url.find(']');
+  return end == std::string_view::npos ? std::string_view() : url.substr(1, end - 1);
 }
 
 // One line for each address: "192.0.2.1  STREAM host.example". Empty when there is none or it did not come in time.
@@ -36,9 +40,9 @@ std::string addressListOfHost(std::string_view host) {
   static_cast<void>(platform::nameOfThrown([&] {
     const SimpleTask task(
         {.launchPath = "/usr/bin/timeout",
-         .arguments = std::vector<std::string>{kLookupToolLimit, "/usr/bin/getent", "--", "ahosts", std::string(host)},
+         .arguments = std::vector<std::string>{kLookupLimit, "/usr/bin/getent", "--", "ahosts", std::string(host)},
          .outputText = &output,
-         .maxSecondsToWait = kLookupLimit,
+         .maxSecondsToWait = kWaitLimit,
          .environmentChanges = {{"LC_ALL", "C.UTF-8"}}});
   }));
   return output.value_or("");

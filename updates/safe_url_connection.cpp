@@ -25,11 +25,6 @@ struct ToolOutput {
   Text error;
 };
 
-// The address is the tool's only argument: by its beginning it is neither an option nor a file of this machine.
-bool isWebAddress(std::string_view url) {
-  return url.starts_with("http://") || url.starts_with("https://");
-}
-
 // Neither text where the tool could not be launched.
 ToolOutput outputOfTool(const std::string& url) {
   ToolOutput texts;
@@ -68,6 +63,10 @@ std::unique_ptr<SafeURLConnection> SafeURLConnection::initWithRequest(const URLR
     return nullptr;
   }
   return connection;
+}
+
+bool SafeURLConnection::isWebAddress(std::string_view url) {
+  return url.starts_with("http://") || url.starts_with("https://");
 }
 
 void SafeURLConnection::fetch(const std::string& url, URLConnectionDelegate& delegate) {

@@ -1,5 +1,6 @@
 // One fetch of a small document over HTTP, with its result.
-// For one thread, whose run loop is served while the fetch waits; the fetcher must outlive that. A fetcher serves one fetch.
+// For one thread, whose run loop is served while the fetch waits; the fetcher must outlive that. A fetcher is for one fetch;
+// starting another drops what the first one left.
 #pragma once
 
 #include <cstdint>
@@ -32,21 +33,23 @@ class URLFetcher : public URLConnectionDelegate {
 
   // `startURLRequest:withTimeout:to:asyncWanted:`
   // Fetches the document and returns the result code. SafeURLConnection says what is fetched and what fails; a failure is
-  // logged in one line.
-  // Kept: the fetch is finished when this returns, asynchronous or not, and takes up to 4 seconds whatever the timeout. The
-  // timeout only bounds the wait for the end, in which the run loop is served: at least once, not at all when asynchronous.
-  // Where the end never comes, as with callbacks overridden, the result is then kFinished and done() false.
+  // logged.
+  // Kept: the fetch is finished when this returns, asynchronous or not, and takes up to 4 seconds whatever the timeout; the
+  // run loop is served meanwhile. The timeout only bounds a wait for the end that comes after it and looks into the run loop
+  // at least once; there is none when asynchronous. Where the end never comes, as with callbacks overridden, the result is
+  // then kFinished and done() false.
   std::int32_t startURLRequest(const URLRequestArguments& arguments);
 
   // Whether the fetch has finished, well or badly; false before it.
   [[nodiscard]] bool done() const { return mDone; }
   // kFinished also before the fetch.
   [[nodiscard]] std::int32_t resultCode() const { return mResultCode; }
-  // The bytes received, valid as long as the fetcher; null before the fetch and after a failure. Empty is a success.
+  // The bytes received; null before the fetch and after a failure that the connection reported. Empty is a success. After
+  // kNoConnection it is what had come by then, mostly empty. Valid until the next callback or start, or the fetcher's end.
   [[nodiscard]] const std::vector<std::uint8_t>* contentReturned() const {
     return mReceivedData ? &*mReceivedData : nullptr;
   }
-  // The same as a text; absent also for bytes that are not UTF-8.
+  // The same as a text, a copy; absent also for bytes that are not UTF-8.
   [[nodiscard]] std::optional<std::string> textReturned() const;
   // Kept: always 0; progress is not tracked.
   [[nodiscard]] std::int32_t percentComplete() const { return 0; }
@@ -60,7 +63,7 @@ class URLFetcher : public URLConnectionDelegate {
   // Appends to the content; nothing after a failure.
   void connectionDidReceiveData(SafeURLConnection& connection, std::span<const std::uint8_t> data) override;
   // `connection:didFailWithError:`
-  // Drops the content, logs the failure, and is done with the error's code.
+  // Drops the content, logs the failure in one line, and is done with the error's code.
   // Kept: the code is cut to its low 32 bits, so that a multiple of 2^32 reads as kFinished, without content.
   void connectionDidFailWithError(SafeURLConnection& connection, const URLConnectionError& error) override;
   // `connectionDidFinishLoading:`
@@ -74,7 +77,7 @@ class URLFetcher : public URLConnectionDelegate {
   std::string mURLString;
   double mTimeoutSecs = 0.0;
   bool mAsync = false;
-  std::unique_ptr<SafeURLConnection> mConnection;  // null while it is made, and where it could not be
+  std::unique_ptr<SafeURLConnection> mConnection;  // null where none could be made; while one is, the former
   std::optional<std::vector<std::uint8_t>> mReceivedData;
   bool mDone = false;
   std::int32_t mResultCode = kFinished;

@@ -14,7 +14,7 @@ namespace SharedClasses {
 // The most bytes that a document may have; a longer one counts as no document.
 inline constexpr std::size_t kMaximumVersionDocumentSize = std::size_t{256} << 10;
 
-// The entries of a document, dictionaries of texts; empty where the document has none.
+// The entries of a document, dictionaries of texts as a rule; empty where the document has none.
 struct VersionDocument {
   platform::Value::Dictionary release;  // the latest full release
   platform::Value::Dictionary update;   // the latest free update for the version that asked
@@ -36,8 +36,8 @@ struct NewerVersions {
 };
 
 // The entries of `document` newer than `own`: the update, then the release where it is another version than the update,
-// then the test build where it is newer than both. A "version" that is no text counts as 0.0; an empty entry is never
-// listed.
+// then the test build where it is newer than both. An entry without a text as its "version" counts as 0.0: even an empty
+// one of the document, which has its type, is listed for an own 0.0b1. One that the document lacks is never listed.
 [[nodiscard]] NewerVersions newerVersionsOf(const VersionDocument& document, const VersionStruct& own);
 
 }  // namespace SharedClasses

@@ -102,9 +102,9 @@ void VersionManager::setApplicationObject(platform::ObjectPointer application) {
 }
 
 VersionManager::VersionManager() : mSelfVersionStr(bundleVersion()) {
-  sVersionManager = this;
   static_cast<void>(stringToVersion(mSelfVersionStr, &mSelfVersionStruct));
   syncToPrefs();
+  sVersionManager = this;  // last: nobody takes back what a constructor that throws has shared
 }
 
 VersionManager::~VersionManager() {
@@ -134,20 +134,20 @@ void VersionManager::syncToPrefs() {
 }
 
 std::int32_t VersionManager::retrieveVersionInfo() {
-  if (mIsRetrieving || !Utilities::appIsAgent()) {
+  if (!mRetrieval.expired() || !Utilities::appIsAgent()) {
     return kNothingRetrieved;
   }
   mSelfVersionStr = bundleVersion();
   const std::string address(Utilities::viewOfString("keyLatestVersionURL"));
-  const std::weak_ptr<void> alive = mAlive;
-  mIsRetrieving = true;
+  const std::weak_ptr<bool> alive = mAlive;
+  const auto retrieval = std::make_shared<bool>(true);
+  mRetrieval = retrieval;
   URLFetcher fetcher;
   const std::int32_t result =
       fetcher.startURLRequest({.url = address + "?fromVersion=" + mSelfVersionStr, .withTimeout = kFetchTimeout});
   if (alive.expired()) {
     return kNothingRetrieved;  // what ran while the fetch waited has destroyed this manager
   }
-  mIsRetrieving = false;
   if (result != URLFetcher::kFinished) {
     return result;
   }

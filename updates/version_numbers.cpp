@@ -5,6 +5,7 @@
 #include <new>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 
 #include "platform/bundle.h"
 #include "platform/files.h"
@@ -49,7 +50,7 @@ OwnedVersionStruct newVersion() {
   return OwnedVersionStruct(block == nullptr ? nullptr : new (block) VersionStruct{});
 }
 
-// A value as a shell reads it: quotes of either kind around it, backslashes before what they protect inside double ones.
+// `value` without quotes of either kind around the whole of it and, of double ones, the backslashes that protect.
 std::string unquoted(std::string_view value) {
   const char quote = value.starts_with('"') || value.starts_with('\'') ? value.front() : '\0';
   if (quote == '\0') {
@@ -152,7 +153,7 @@ std::optional<std::string> VersionNumbers::versionIDOfRelease(std::string_view r
   while (!release.empty()) {
     const std::string_view line = platform::trimmed(takeUntil('\n', release));
     if (line.starts_with(kName)) {
-      version = platform::repairedUTF8(unquoted(line.substr(kName.size())));
+      version = platform::repairedUTF8(unquoted(platform::trimmed(line.substr(kName.size()))));
     }
   }
   return version;

@@ -50,8 +50,9 @@ class VersionNumbers {
   [[nodiscard]] static std::int32_t stringToVersion(std::optional<std::string_view> text, VersionStruct* version);
 
   // `versionToString:to:`
-  // Writes "1.2", "1.2.3", "1.2.b3" or "1.2.3.b4" to `*text`: kSuccess; kNoPlaceForText for a null `text`. The stage, one
-  // code point below 256, has a period of its own; stringToVersion() reads this form and "1.2b3" as the same record.
+  // Writes "1.2", "1.2.3", "1.2.b3" or "1.2.3.b4" to `*text`: kSuccess; kNoPlaceForText for a null `text`. The stage,
+  // one code point below 256, has a period of its own; stringToVersion() reads this form and "1.2b3" as the same record,
+  // but one with a stage other than the three letters does not come back.
   // Kept: a bug fix below 1 is not printed, so a negative one does not come back.
   [[nodiscard]] static std::int32_t versionToString(const VersionStruct& version, std::string* text);
 
@@ -83,12 +84,14 @@ class VersionNumbers {
   // text counts as absent, here and above.
   [[nodiscard]] static std::string selfVersionString();
 
-  // The version that the operating system states in /etc/os-release, which is read at each call; absent where there is no
-  // such file or it states none.
+  // The version that the operating system states in /etc/os-release, which is read at each call; absent where that is
+  // no regular file of at most 65,536 bytes that can be read, or states none.
   [[nodiscard]] static std::optional<std::string> systemVersionString();
 
-  // The value of VERSION_ID in `release`, lines of assignments as in /etc/os-release: without its quotes and the backslashes
-  // that they need; of several the last; absent when there is none. An empty one is empty. Always well-formed UTF-8.
+  // The value of VERSION_ID in `release`, lines of assignments as in /etc/os-release: without blanks around it, the
+  // quotes of either kind around the whole of it and the backslashes that these need; of several the last; absent when
+  // there is none. An empty one is empty. Always well-formed UTF-8. No other rule of a shell is followed: quotes end with
+  // the line.
   [[nodiscard]] static std::optional<std::string> versionIDOfRelease(std::string_view release);
 
  protected:

@@ -33,8 +33,8 @@ namespace SharedClasses::Utilities {
 // Seven characters: the letter of each day of `days` from the text "keyDaysOfWeek", "-" for the others. Bit 6 is the
 // first day shown, bits 0 to 5 are the second to the seventh; other bits count for nothing.
 // Throws std::out_of_range when "keyDaysOfWeek" has no letter for one of the days.
-// Kept: of a letter only the low byte is taken, so that letters have to be ASCII; others come out as U+FFFD or a wrong
-// letter.
+// Kept: of a letter only the low byte is taken, so that letters have to be ASCII. With others the text may show wrong
+// letters, U+FFFD for malformed pieces or "-" for a chosen day, hold a zero byte, and be shorter than seven.
 [[nodiscard]] std::string daysOfWeekAsString(std::int32_t days);
 
 // `daysOfWeekFromString:`
@@ -54,7 +54,9 @@ struct TimeFormat {
 // "1" of "AppleICUTimeFormatStrings"; "DateFormat" of "com.apple.menuextra.clock"; "TimeFormatString" and
 // "Use24HourClock" of "com.apple.MenuBarClock"; the user's locale (platform/user_locale.h) with "h:mm a" or "HH:mm".
 // Empty when none answers.
-// Numbers count as their digits, true and false as 1 and 0. An answer of "Use24HourClock" is logged as it stands.
+// Numbers count as the digits of their whole part, true and false as 1 and 0. An answer of "Use24HourClock" is logged.
+// Kept: "NSTimeFormatString" is not asked, though times may be written with it; where it alone is set, the locale
+// answers.
 [[nodiscard]] TimeFormat preferredTimeFormat();
 
 // Whether the user's time format has an "a" anywhere, or "%p". True where there is none.
@@ -66,11 +68,13 @@ struct TimeFormat {
 // its first ":%S", if it has a minute ("m"), a 12-hour hour ("h:" or "K:") and nothing of a date or a zone (d, E, z, M,
 // y, Y); else "h:mm a" or "2H:mm" as userPrefers12HourClock() says, with the source that it asked.
 // Kept: no 24-hour format is used as it stands; all end up as "2H:mm". The 2 is a width and is not printed.
+// Kept: one with "h:" needs no "a", so that "h:mm" prints 2:05 and 14:05 alike; a second ":%S" stays and prints ":%0".
 [[nodiscard]] TimeFormat chosenTimeFormat();
 
 // `formattedTimeWithHour:andMinute:`
 // The time of dateWithHourAndMinute() in the chosen format (wording/time_pattern.h says what its letters mean): "2:05
-// PM", "14:05". The words for the halves of the day are those of the settings, else "keyAM" and "keyPM".
+// PM", "14:05". The words for the halves of the day are those of the settings, else "keyAM" and "keyPM". The formatter
+// is the library's own, so that no version of the operating system needs the older way with "%H" and "%p".
 [[nodiscard]] std::string formattedTimeWithHourAndMinute(std::int32_t hour, std::int32_t minute);
 
 // The same for the time of day that `date` shows.

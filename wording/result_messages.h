@@ -43,7 +43,7 @@ struct ResultMessageRow {
 
 // `stringForResult:`
 // The text for `result`; "Error -88", in English, for a code that is not in the table. Never fails, and logs only what
-// the questions for programs log.
+// the questions for programs and a damaged string table log.
 // For -536870203, 126 and -97 it looks which other programs run, which takes some tenths of a second, at the very worst
 // half a minute, and serves the run loop of the calling thread meanwhile. A program that cannot be asked for counts as not
 // running.

@@ -1,6 +1,7 @@
 #include "wording/time_pattern.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/text.h"
 
@@ -20,7 +21,10 @@ bool startsWithDigit(std::string_view text) {
 class PatternWriter {
  public:
   PatternWriter(std::string_view pattern, const TimeOfDay& time, const HalfDayWords& words)
-      : mRest(pattern), mTime(time), mWords(words) {}
+      : mRest(pattern),
+        mTime{std::clamp(time.hour, 0, 23), std::clamp(time.minute, 0, 59), std::clamp(time.second, 0, 59),
+              std::clamp(time.millisecond, 0, 999)},
+        mWords(words) {}
 
   std::string write() {
     while (!mRest.empty()) {
@@ -66,7 +70,7 @@ class PatternWriter {
       case 'S':
         return appendFraction(width);
       case 'a':
-        mText += mTime.hour < 12 ? mWords.morning : mWords.afternoon;
+        mText += platform::repairedUTF8(mTime.hour < 12 ? mWords.morning : mWords.afternoon);
         return;
       default:
         return;
@@ -109,7 +113,7 @@ class PatternWriter {
   }
 
   std::string_view mRest;  // of the pattern
-  const TimeOfDay& mTime;
+  const TimeOfDay mTime;
   const HalfDayWords& mWords;
   std::string mText;
 };

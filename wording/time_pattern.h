@@ -25,7 +25,8 @@ struct HalfDayWords {
 // cannot ask for endless memory.
 inline constexpr std::size_t kMaximumTimeTextLength = std::size_t{1} << 16;
 
-// `time` as `pattern` writes it.
+// `time` as `pattern` writes it; well-formed UTF-8 whatever is given. A number out of its range counts as the nearest
+// end of it.
 //   h  hour 1 to 12        K  hour 0 to 11        a  word for the half of the day
 //   H  hour 0 to 23        k  hour 1 to 24        m  minute        s  second        S  first digits of its fraction
 // A letter repeated is one field with at least that many digits, zeros in front; of S as many as there are letters,

@@ -15,7 +15,7 @@ bool hasRoute(const std::string& address) {
   hints.ai_socktype = SOCK_DGRAM;
   addrinfo* found = nullptr;
   constexpr const char* kAnyPort = "9";
-  if (::getaddrinfo(address.c_str(), kAnyPort, &hints, &found) != 0) {
+  if (address.find('\0') != std::string::npos || ::getaddrinfo(address.c_str(), kAnyPort, &hints, &found) != 0) {
     return false;
   }
   const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(found, &::freeaddrinfo);

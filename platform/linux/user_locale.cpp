@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <clocale>
+#include <iterator>
 #include <string_view>
 
 #include "platform/files.h"

@@ -2,17 +2,24 @@
 #pragma once
 
 #include <arpa/inet.h>
+#include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 
+#include <array>
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "tests/support/fork.h"
+#include "tests/support/temporary_folder.h"
 
 namespace SharedClasses::tests {
 
@@ -23,6 +30,8 @@ inline std::string httpAnswer(std::string_view body, std::string_view status = "
          "\r\n" + std::string(headers) + "\r\n" + std::string(body);
 }
 
+// Lives until the object or the thread that made it ends. Meanwhile curl uses no proxy and reads no .curlrc of whoever runs
+// the tests; of several servers, the last one ends first.
 class HTTPServer {
  public:
   // One client's connection, whose request has been read.
@@ -31,7 +40,7 @@ class HTTPServer {
     std::string requestLine;  // "GET / HTTP/1.1"
 
     // False once the client has gone.
-    [[nodiscard]] bool send(std::string_view bytes) const {
+    bool send(std::string_view bytes) const {
       while (!bytes.empty()) {
         const ssize_t count = ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
         if (count <= 0) {
@@ -51,7 +60,8 @@ class HTTPServer {
   using Answer = std::function<void(const Connection&)>;
 
   explicit HTTPServer(Answer answer) {
-    ::setenv("no_proxy", "*", 1);
+    mCurlHome.write(".curlrc", "");  // without the file, curl goes on to HOME
+    swapEnvironment();
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -62,28 +72,35 @@ class HTTPServer {
       mPort = ntohs(address.sin_port);
       mProcess = startInFork([&] { return serve(listener, answer); });
     }
+    if (mProcess < 0) {
+      ADD_FAILURE() << "no server: " << std::strerror(errno);
+    }
     ::close(listener);
   }
   explicit HTTPServer(std::string answer)
-      : HTTPServer([answer = std::move(answer)](const Connection& c) { static_cast<void>(c.send(answer)); }) {}
+      : HTTPServer([answer = std::move(answer)](const Connection& c) { c.send(answer); }) {}
   HTTPServer(const HTTPServer&) = delete;
   HTTPServer& operator=(const HTTPServer&) = delete;
-  ~HTTPServer() { stop(); }
+  ~HTTPServer() {
+    if (mProcess > 0) {
+      ::kill(mProcess, SIGKILL);
+      static_cast<void>(statusOfChild(mProcess));
+    }
+    swapEnvironment();
+  }
 
   // Never says a word.
   static void staySilent(const Connection& connection) { static_cast<void>(connection.clientGoes(-1)); }
   // One byte every tenth of a second, without end.
   static void drip(const Connection& connection) {
-    bool goesOn = connection.send("HTTP/1.1 200 OK\r\n\r\n");
-    while (goesOn && !connection.clientGoes(100)) {
-      goesOn = connection.send("x");
+    connection.send("HTTP/1.1 200 OK\r\n\r\n");
+    while (!connection.clientGoes(100) && connection.send("x")) {
     }
   }
   // Bytes without end, as fast as they are taken.
   static void flood(const Connection& connection) {
-    bool goesOn = connection.send("HTTP/1.1 200 OK\r\n\r\n");
-    while (goesOn) {
-      goesOn = connection.send(std::string(std::size_t{1} << 16, 'x'));
+    connection.send("HTTP/1.1 200 OK\r\n\r\n");
+    while (connection.send(std::string(std::size_t{1} << 16, 'x'))) {
     }
   }
 
@@ -91,28 +108,41 @@ class HTTPServer {
     return "http://127.0.0.1:" + std::to_string(mPort) + path;
   }
 
-  // Nobody answers at the address any more, and open connections break.
-  void stop() {
-    if (mProcess > 0) {
-      ::kill(mProcess, SIGKILL);
-      static_cast<void>(statusOfChild(std::exchange(mProcess, -1)));
-    }
-  }
-
  private:
-  [[noreturn]] static int serve(int listener, const Answer& answer) {
+  // Returns only where it can take no connection.
+  static int serve(int listener, const Answer& answer) {
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    ::alarm(0);  // tests may take longer than that
     while (true) {
       Connection connection{.socket = ::accept(listener, nullptr, nullptr), .requestLine = {}};
+      if (connection.socket < 0) {
+        return 1;
+      }
       std::string request;
       for (char byte = 0; !request.ends_with("\r\n\r\n") && ::recv(connection.socket, &byte, 1, 0) == 1;) {
         request += byte;
       }
-      connection.requestLine = request.substr(0, request.find("\r\n"));
-      answer(connection);
+      if (request.ends_with("\r\n\r\n")) {
+        connection.requestLine = request.substr(0, request.find("\r\n"));
+        answer(connection);
+      }
       ::close(connection.socket);
     }
   }
 
+  // Each variable for its other value; absent for none.
+  void swapEnvironment() {
+    for (auto& [name, other] : mEnvironment) {
+      const char* const present = std::getenv(name);
+      const auto kept = present == nullptr ? std::nullopt : std::optional<std::string>(present);
+      other ? ::setenv(name, other->c_str(), 1) : ::unsetenv(name);
+      other = kept;
+    }
+  }
+
+  TemporaryFolder mCurlHome;
+  std::array<std::pair<const char*, std::optional<std::string>>, 2> mEnvironment{
+      {{"CURL_HOME", mCurlHome.path()}, {"no_proxy", "*"}}};
   std::uint16_t mPort = 0;
   pid_t mProcess = -1;
 };

@@ -9,19 +9,30 @@ namespace {
 
 using platform::Value;
 
+// Nothing for an empty text.
 std::string entry(const std::string& name, const std::string& key, const std::string& text) {
-  return "<key>" + name + "</key><dict><key>" + key + "</key><string>" + text + "</string></dict>";
+  return text.empty() ? "" : "<key>" + name + "</key><dict><key>" + key + "</key><string>" + text + "</string></dict>";
 }
 
 std::string versions(const std::string& update, const std::string& release, const std::string& test) {
-  return "<dict>" + (update.empty() ? "" : entry("update", "version", update)) +
-         (release.empty() ? "" : entry("release", "version", release)) +
-         (test.empty() ? "" : entry("test", "version", test)) + "</dict>";
+  return "<dict>" + entry("update", "version", update) + entry("release", "version", release) +
+         entry("test", "version", test) + "</dict>";
+}
+
+// `innermost` in as many dictionaries.
+std::string nested(int levels, const std::string& innermost) {
+  std::string begins, ends;
+  for (; levels > 0; --levels) {
+    begins += "<dict><key>a</key>";
+    ends += "</dict>";
+  }
+  return begins + innermost + ends;
 }
 
 TEST(VersionDocument, WhatIsNewerIsListedInItsOrderAndTheLastComparisonIsTold) {
   const std::string offer = versions("3.0", "", "");
-  const std::string full = offer + "<!--" + std::string((256 << 10) - offer.size() - 7, 'x') + "-->";
+  const std::string full = offer + std::string((256 << 10) - offer.size(), ' ');
+  const std::string more = "<key>more</key>" + nested(510, "<true/>") + "</dict></dict>";
   const struct {
     const char* name;
     std::string text;
@@ -33,23 +44,24 @@ TEST(VersionDocument, WhatIsNewerIsListedInItsOrderAndTheLastComparisonIsTold) {
       {"release older than the update", versions("2.1", "2.0.5", ""), "Free Update Latest -1"},
       {"beta of the release", versions("", "2.1", "2.1b2"), "Latest -1"},
       {"beta of the update", versions("2.1", "", "2.1b2"), "Free Update -1"},
-      {"test is the release", versions("", "2.1", "2.1"), "Latest 0"},
+      {"test is the release", versions("2.2", "2.1", "2.1"), "Free Update Latest 0"},
       {"test alone", versions("", "", "2.1b2"), "Test 1"},
       {"own beta", versions("", "2.0", ""), "Latest -1", "2.0b4"},
       {"all equal", versions("2.0", "2.0", "2.0"), "0"},
       {"test is a placeholder", versions("", "", "placeholder"), "-1"},
       {"no entries, older than all", versions("", "", ""), "0", "0.0b1"},
+      {"empty entry, which has its type", "<dict><key>update</key><dict/></dict>", "Free Update 0", "0.0b1"},
       {"entry that is no dictionary", "<dict><key>update</key><string>3.0</string></dict>", "0", "0.0b1"},
       {"version that is no text", "<dict><key>update</key><dict><key>version</key><real>3</real></dict></dict>", "-1"},
-      {"entry without a version", "<dict>" + entry("update", "cost", "1") + "</dict>", "Free Update 0", "0.0b1"},
       {"as long as may be", full, "Free Update -1"},
       {"a byte more", full + " ", "-1"},
       {"no XML", "3.0", "-1"},
       {"broken off", offer.substr(0, offer.size() - 1), "-1"},
       {"in a list", "<array>" + offer + "</array>", "-1"},
-      {"entity that grows", "<!DOCTYPE plist [<!ENTITY a \"a\"><!ENTITY b \"&a;&a;\">]><plist>" + offer + "</plist>",
-       "-1"},
-      {"entity from a file", "<!DOCTYPE plist [<!ENTITY a SYSTEM \"/etc/passwd\">]><plist>" + offer + "</plist>", "-1"},
+      {"entities", "<!DOCTYPE plist [<!ENTITY a SYSTEM \"/etc/passwd\"><!ENTITY b \"&a;&a;\">]>" + offer, "-1"},
+      {"huge attribute", "<plist version='" + std::string(250'000, 'x') + "'>" + offer + "</plist>", "Free Update -1"},
+      {"deep entry", offer.substr(0, offer.find("</dict>")) + more, "Free Update -1"},
+      {"within 256 KiB of dictionaries", nested(10'000, offer), "-1"},
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(row.name);
@@ -77,7 +89,6 @@ TEST(VersionDocument, WhatIsNotOnOfferIsClearedAndTheRestHandedOn) {
       {"release", "version", "placeholder", {{"type", "Latest"}, {"version", "placeholder"}}},
       {"update", "cost", "placeholder", {{"type", "Free Update"}, {"cost", "placeholder"}}},
       {"update", "type", "Costly", {{"type", "Free Update"}}},
-      {"update", "colour", "red", {{"type", "Free Update"}, {"colour", "red"}}},
       {"test", "description", "placeholder", {{"type", "Test"}, {"description", ""}}},
       {"test", "url", "http://placeholder/", {{"type", "Test"}, {"url", ""}}},
       {"test", "version", "placeholder", {{"type", "Test"}, {"version", "placeholder"}, {"", "version"}}},
@@ -86,10 +97,10 @@ TEST(VersionDocument, WhatIsNotOnOfferIsClearedAndTheRestHandedOn) {
     SCOPED_TRACE(std::string(row.entry) + ' ' + row.key + ' ' + row.text);
     const VersionDocument document =
         versionDocumentFromText("<dict>" + entry(row.entry, row.key, row.text) + "</dict>");
-    const Value::Dictionary both[] = {row.kept, {}};
-    EXPECT_EQ(document.release, both[row.entry[0] == 'r' ? 0 : 1]);
-    EXPECT_EQ(document.update, both[row.entry[0] == 'u' ? 0 : 1]);
-    EXPECT_EQ(document.test, both[row.entry[0] == 't' ? 0 : 1]);
+    const Value::Dictionary* const entries[] = {&document.release, &document.update, &document.test};
+    for (const Value::Dictionary* const each : entries) {
+      EXPECT_EQ(*each, each == entries[std::string_view("rut").find(row.entry[0])] ? row.kept : Value::Dictionary());
+    }
   }
 }
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <cmath>
 #include <stdexcept>
 #include <thread>
 
@@ -35,6 +35,39 @@ struct Application : platform::Object {
   }
   int checks = 0;
 };
+
+// A program by its bundle: the agent, unless its signature is another.
+struct Program : TemporaryFolder {
+  explicit Program(const std::string& url, const std::string& version = "2.0b3",
+                   const std::string& signature = "QZ2d") {
+    write("Info.plist", "<plist><dict><key>CFBundleSignature</key><string>" + signature +
+                            "</string><key>CFBundleVersion</key><string>" + version + "</string></dict></plist>");
+    write("English.lproj/Localizable.strings", "\"keyLatestVersionURL\" = \"" + url + "\";\n");
+    bundle.emplace(path());
+  }
+  std::optional<MainBundle> bundle;
+};
+
+std::string entry(const std::string& name, const std::string& version) {
+  return "<key>" + name + "</key><dict><key>version</key><string>" + version + "</string><key>string</key><string>V" +
+         version + "</string></dict>";
+}
+
+HTTPServer::Answer says(const std::string& body, const std::string& status = "200 OK") {
+  return [=](const HTTPServer::Connection& connection) { connection.send(httpAnswer(body, status)); };
+}
+
+// The versions that are newer, and behind a colon the texts of release, update and test: "2.1 : V2.1 - -". It begins with a
+// question mark where no answer was evaluated, or too long ago.
+std::string told(VersionManager& manager) {
+  std::string text = manager.gotVersionInfo() ? "" : "? ";
+  EXPECT_EQ(manager.newerVersions().has_value(), text.empty());
+  for (const Value& one : manager.newerVersions().value_or(Value::List())) {
+    text += *one.find("version")->text() + ' ';
+  }
+  return text + ": " + manager.releaseVersString().value_or("-") + ' ' + manager.updateVersString().value_or("-") +
+         ' ' + manager.testVersString().value_or("-");
+}
 
 // A program's settings, clock and resources, and the thread that it runs on.
 class VersionManagerTest : public testing::Test {
@@ -77,40 +110,35 @@ class VersionManagerTest : public testing::Test {
 };
 
 TEST_F(VersionManagerTest, TheFirstCheckComesAtOnceWhenOverdueAndEachFurtherOneAfterTheInterval) {
-  constexpr double kInfinity = std::numeric_limits<double>::infinity();
-  const double kNaN = std::numeric_limits<double>::quiet_NaN();
   const double now = 1'000'000;
+  constexpr std::chrono::weeks kWeek(1);
   const struct {
     const char* name;
-    Value wanted, interval, lastCheck;
-    nanoseconds first{0}, further{0};  // 0: no timer
+    Value interval, lastCheck;
+    nanoseconds first, further;
   } kRows[] = {
-      {"not wanted", false, 3600, 0},
-      {"nothing set", {}, {}, {}},
-      {"never checked", true, 3600, 0, seconds(1), seconds(3600)},
-      {"overdue by a second", true, 3600, now - 3601, seconds(1), seconds(3600)},
-      {"just not overdue", true, 3600, now - 3600, seconds(3600), seconds(3600)},
-      {"checked in the future", true, 3600, now + 9e9, seconds(3600), seconds(3600)},
-      {"time of the last check no number", true, 3600, kNaN, seconds(1), seconds(3600)},
-      {"interval with a fraction", true, 2.5, now, std::chrono::milliseconds(2500), std::chrono::milliseconds(2500)},
-      {"interval negative", true, -5, now, seconds(1), seconds(1)},
-      {"interval no number", true, kNaN, now, seconds(1), seconds(1)},
-      {"no interval", true, {}, now, std::chrono::weeks(1), std::chrono::weeks(1)},
-      {"interval a word", true, "weekly", now, std::chrono::weeks(1), std::chrono::weeks(1)},
-      {"interval a text", true, "3600", now, seconds(3600), seconds(3600)},
-      {"interval without end", true, kInfinity, 0, std::chrono::years(100), std::chrono::years(100)},
+      {"all for the first time", {}, {}, seconds(1), kWeek},
+      {"never checked", 3600, 0, seconds(1), seconds(3600)},
+      {"overdue by a second", 3600, now - 3601, seconds(1), seconds(3600)},
+      {"just not overdue", 3600, now - 3600, seconds(3600), seconds(3600)},
+      {"checked in the future", 3600, now + 9e9, seconds(3600), seconds(3600)},
+      {"time of the last check no number", 3600, NAN, seconds(1), seconds(3600)},
+      {"interval with a fraction", 2.5, now, std::chrono::milliseconds(2500), std::chrono::milliseconds(2500)},
+      {"interval negative", -5, now, seconds(1), seconds(1)},
+      {"interval no number", NAN, now, seconds(1), seconds(1)},
+      {"no interval", {}, now, kWeek, kWeek},
+      {"interval a word", "weekly", now, kWeek, kWeek},
+      {"interval a text", "3600", now, seconds(3600), seconds(3600)},
+      {"interval without end", HUGE_VAL, 0, std::chrono::years(100), std::chrono::years(100)},
   };
   for (const auto& row : kRows) {
     SCOPED_TRACE(row.name);
     mClock.move(seconds(1'000'000) - (mClock.steadyTime() - std::chrono::hours(1)));
-    set(row.wanted, row.interval, row.lastCheck);
+    set(true, row.interval, row.lastCheck);
     run([&] {
       const VersionManager manager;
-      ASSERT_EQ(manager.timer() != nullptr, row.first > nanoseconds(0));
-      if (manager.timer() != nullptr) {
-        EXPECT_EQ(checksAfter(row.first), 1);
-        EXPECT_EQ(checksAfter(row.further), 1);
-      }
+      EXPECT_EQ(checksAfter(row.first), 1);
+      EXPECT_EQ(checksAfter(row.further), 1);
     });
   }
   EXPECT_EQ(mLog.messages().at(0), "autoCheckVersions threw std::runtime_error.");
@@ -130,10 +158,12 @@ TEST_F(VersionManagerTest, ChangedPreferencesTakeEffectWhenSynced) {
     EXPECT_EQ(checksAfter(seconds(60)), 1);
     VersionManager::setApplicationObject(nullptr);
     EXPECT_EQ(checksAfter(seconds(60)), 0);
-    set("no", 60);
-    manager.syncToPrefs();
-    EXPECT_EQ(manager.timer(), nullptr);
-    EXPECT_EQ(VersionManager::nextCheck(*mStore.operator->()), std::nullopt);
+    for (const Value& unwanted : {Value("no"), Value(false), Value()}) {
+      set(unwanted, 60);
+      manager.syncToPrefs();
+      EXPECT_EQ(manager.timer(), nullptr);
+      EXPECT_EQ(VersionManager::nextCheck(*mStore.operator->()), std::nullopt);
+    }
     set("yes", 60, 100);
     manager.syncToPrefs();
     EXPECT_EQ(VersionManager::nextCheck(*mStore.operator->()), platform::Date{160});
@@ -141,72 +171,96 @@ TEST_F(VersionManagerTest, ChangedPreferencesTakeEffectWhenSynced) {
   });
 }
 
-TEST_F(VersionManagerTest, OnlyTheAgentChecksAndOnlyAnAnswerCounts) {
-  const std::string document =
-      "<dict><key>release</key><dict><key>version</key><string>2.1</string><key>string</key><string>Two</string></dict>"
-      "<key>test</key><dict><key>version</key><string>2.2a1</string></dict></dict>";
-  HTTPServer server([&](const HTTPServer::Connection& connection) {
-    const bool isOwn = connection.requestLine == "GET /v?fromVersion=2.0b3 HTTP/1.1";
-    static_cast<void>(connection.send(httpAnswer(isOwn ? document : "<dict/>")));
-  });
-  const HTTPServer empty(httpAnswer("")), page(httpAnswer("<html>not here", "404 Not Found"));
-  HTTPServer gone(httpAnswer(document));
-  gone.stop();
-  const struct {
+TEST_F(VersionManagerTest, OnlyTheAgentChecksAndEveryAnswerWithATextCounts) {
+  const std::string entries = entry("update", "2.0.1") + entry("release", "2.1") + entry("test", "2.2b1");
+  const std::string all = "<dict>" + entries + "</dict>", none = "? : - - -", noEntry = ": - - -";
+  std::string deep = "<true/>";
+  while (deep.size() < 250'000) {
+    deep = "<array>" + deep + "</array>";
+  }
+  struct {
     const char* name;
-    std::string signature;
-    std::string url;
-    std::int32_t result;
-    std::optional<std::size_t> newer;  // how many; absent when nothing is to have changed
-  } kRows[] = {
-      {"the GUI", "QZV2", server.url("/v"), -1, std::nullopt}, {"empty answer", "QZ2d", empty.url(), -1, std::nullopt},
-      {"server gone", "QZ2d", gone.url(), -1, std::nullopt},   {"no address", "QZ2d", "", -1, std::nullopt},
-      {"page of an error", "QZ2d", page.url(), -1, 0},         {"document", "QZ2d", server.url("/v"), 1, 2},
+    HTTPServer::Answer answer;
+    std::string told;
+    std::int32_t result = -1;
+    const char* signature = "QZ2d";
+    std::optional<std::string> address = std::nullopt;  // absent for the server's
+    pid_t check = -1;
+  } rows[] = {
+      {"all entries", says(all), "2.0.1 2.1 2.2b1 : V2.1 V2.0.1 V2.2b1", 1},
+      {"no entry", says("<dict/>"), noEntry},
+      {"placeholders", says("<dict>" + entry("release", "2.1") + entry("test", "placeholder") + "</dict>"),
+       "2.1 : V2.1 - Vplaceholder"},
+      {"page of an error", says("<html>not here", "404 Not Found"), noEntry},
+      {"redirect", says("<dict>" + entry("update", "2.1") + "</dict>", "302 Found\r\nLocation: /"), "2.1 : - V2.1 -"},
+      {"not XML", says("2.1"), noEntry},
+      {"entities", says("<!DOCTYPE plist [<!ENTITY a \"\"><!ENTITY b \"&a;&a;\">]><plist>" + all + "</plist>"),
+       noEntry},
+      {"deep nesting", says("<dict><key>k</key>" + deep + entries + "</dict>"), noEntry},
+      {"empty answer", says(""), none},
+      {"broken UTF-8", says("<dict>" + entry("update", "2.1\xFF") + "</dict>"), none},
+      {"drip", HTTPServer::drip, none},
+      {"endless body", HTTPServer::flood, none},
+      {"silence", HTTPServer::staySilent, none},
+      {"server gone", says(all), none, -1, "QZ2d", "http://127.0.0.1:1/v"},  // a port that no server is given by chance
+      {"no address", says(all), none, -1, "QZ2d", ""},
+      {"the GUI", says(all), none, -1, "QZV2"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
-    TemporaryFolder folder;
-    folder.write("Info.plist", "<plist><dict><key>CFBundleSignature</key><string>" + row.signature +
-                                   "</string><key>CFBundleVersion</key><string>2.0b3</string></dict></plist>");
-    folder.write("English.lproj/Localizable.strings", "\"keyLatestVersionURL\" = \"" + row.url + "\";\n");
-    const MainBundle bundle(folder.path());
-    set(false, 3600, -50);
-    run([&] {
-      VersionManager manager;
-      EXPECT_TRUE(manager.weAreTest());
-      EXPECT_EQ(manager.retrieveVersionInfo(), row.result);
-      EXPECT_EQ(manager.gotVersionInfo(), row.newer.has_value());
-      ASSERT_EQ(manager.newerVersions().has_value(), row.newer.has_value());
-      const double now = mClock.now().secondsSinceReference;
-      EXPECT_EQ(mStore->value("timeOfLastVersionCheck"), row.newer ? Value(now) : Value(-50));
-      if (row.newer) {
-        EXPECT_EQ(manager.newerVersions()->size(), *row.newer);
-        EXPECT_EQ(manager.releaseVersString(), *row.newer > 0 ? std::optional<std::string>("Two") : std::nullopt);
-        mClock.move(seconds(3600));
-        EXPECT_TRUE(manager.gotVersionInfo());
-        mClock.move(seconds(1));
-        EXPECT_TRUE(manager.newerVersions().has_value()) << "nobody has asked yet";
-        EXPECT_FALSE(manager.gotVersionInfo());
-        EXPECT_EQ(manager.newerVersions(), std::nullopt);
-      }
+  for (auto& row : rows) {  // all at once: some take their four seconds
+    row.check = startInFork([&] {
+      SCOPED_TRACE(row.name);
+      const HTTPServer server([&](const HTTPServer::Connection& connection) {
+        const bool isRight = connection.requestLine == "GET /v?fromVersion=2.0b3 HTTP/1.1";
+        (isRight ? row.answer : says("<dict>" + entry("test", "9") + "</dict>"))(connection);
+      });
+      const Program program(row.address.value_or(server.url("/v")), "2.0b3", row.signature);
+      set(false, 3600, -50);
+      run([&] {
+        VersionManager manager;
+        EXPECT_TRUE(manager.weAreTest());
+        EXPECT_EQ(manager.retrieveVersionInfo(), row.result);
+        EXPECT_EQ(mStore->value("timeOfLastVersionCheck"), manager.gotVersionInfo() ? Value(0.0) : Value(-50));
+        EXPECT_EQ(told(manager), row.told);
+      });
+      return HasFailure() ? 1 : 0;
     });
+  }
+  for (const auto& row : rows) {
+    EXPECT_EQ(statusOfChild(row.check), 0) << row.name;
   }
 }
 
-TEST_F(VersionManagerTest, TheNewestIsSharedAndMayEndWhileItFetches) {
-  const HTTPServer server(httpAnswer("<dict/>"));
-  TemporaryFolder folder;
-  folder.write("Info.plist", "<plist><dict><key>CFBundleSignature</key><string>QZ2d</string></dict></plist>");
-  folder.write("English.lproj/Localizable.strings", "\"keyLatestVersionURL\" = \"" + server.url() + "\";\n");
-  const MainBundle bundle(folder.path());
+TEST_F(VersionManagerTest, AnAnswerHoldsForAnIntervalWhateverFailsOrIsCalledMeanwhile) {
+  const HTTPServer server([asked = 0](const HTTPServer::Connection& connection) mutable {
+    const std::string documents[] = {"<dict>" + entry("update", "2.1") + "</dict>", "", "\xFF", "<dict/>"};
+    says(documents[asked++ % 4])(connection);
+  });
+  const Program program(server.url(), "2.0");
+  set(false, 3600);
   run([&] {
-    const VersionManager older;
-    auto newest = std::make_unique<VersionManager>();
-    EXPECT_EQ(&VersionManager::sharedVersionManager(), newest.get());
-    RunLoop::current().call([&] { newest.reset(); });
-    EXPECT_EQ(newest->retrieveVersionInfo(), -1);
-    EXPECT_EQ(newest, nullptr);
-    EXPECT_TRUE(mStore->value("timeOfLastVersionCheck").isAbsent());
+    const VersionManager& own = VersionManager::sharedVersionManager();
+    auto manager = std::make_unique<VersionManager>();
+    EXPECT_EQ(&VersionManager::sharedVersionManager(), manager.get());
+    EXPECT_FALSE(manager->weAreTest());
+    std::int32_t nested = 0;
+    RunLoop::current().call([&] { nested = manager->retrieveVersionInfo(); });  // asks nobody
+    for (int fetch = 0; fetch < 3; ++fetch) {
+      EXPECT_EQ(manager->retrieveVersionInfo(), -1);
+      mClock.move(seconds(1200));
+      EXPECT_EQ(told(*manager), "2.1 : - V2.1 -");
+    }
+    EXPECT_EQ(nested, -1);
+    mClock.move(seconds(1));
+    EXPECT_TRUE(manager->newerVersions().has_value()) << "nobody has asked yet";
+    EXPECT_EQ(told(*manager), "? : - V2.1 -");
+    EXPECT_EQ(manager->retrieveVersionInfo(), -1);
+    EXPECT_EQ(told(*manager), ": - - -");
+    mClock.move(seconds(1));
+    RunLoop::current().call([&] { manager.reset(); });
+    EXPECT_EQ(manager->retrieveVersionInfo(), -1);
+    EXPECT_EQ(manager, nullptr);
+    EXPECT_EQ(mStore->value("timeOfLastVersionCheck"), Value(3601.0));
+    EXPECT_EQ(&VersionManager::sharedVersionManager(), &own);
   });
 }
 

@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <memory>
 #include <random>
-#include <span>
 #include <sstream>
 #include <tuple>
 #include <vector>
@@ -18,7 +17,7 @@ namespace SharedClasses {
 namespace {
 
 constexpr VersionStruct kDirty{9, 9, 9, 'x', 9};
-constexpr std::int32_t kMost = 2147483647, kLeast = -kMost - 1;
+constexpr auto kCompare = VersionNumbers::compareVersions;
 
 VersionStruct parsed(std::optional<std::string_view> text) {
   VersionStruct version = kDirty;
@@ -33,18 +32,17 @@ std::string printed(const VersionStruct& version) {
 }
 
 TEST(VersionNumbers, BothFormsReadAsTheSameRecord) {
-  const std::tuple<std::string_view, std::optional<std::string_view>, VersionStruct, std::string_view> rows[] = {
+  const std::tuple<const char*, std::optional<std::string_view>, VersionStruct, const char*> rows[] = {
       {"absent", std::nullopt, {}, "0.0"},
-      {"a fourth number is ignored", "1.2.3.4", {1, 2, 3, 0, 0}, "1.2.3"},
-      {"empty components take no field", ".1..2.", {1, 2, 0, 0, 0}, "1.2"},
+      {"a fourth number, empty components take no field", ".1..2.3.4.", {1, 2, 3, 0, 0}, "1.2.3"},
       {"empty components count for the place", "1..2b3", {1, 0, 2, 'b', 3}, "1.0.2.b3"},
       {"other letters and capitals, the first of two", "1f3.2B3.4b5a6", {1, 2, 4, 'b', 5}, "1.2.4.b5"},
       {"a letter alone keeps the numbers", "1.2.3.d", {1, 2, 3, 'd', 0}, "1.2.3.d0"},
       {"a blank is a number", "1.2.3. b4", {1, 2, 0, 'b', 4}, "1.2.b4"},
-      {"a later stage overwrites", "1.2b3.4d5", {1, 2, 4, 'd', 5}, "1.2.4.d5"},
-      {"numbers behind a stage are ignored", "1b2.3.4", {0, 0, 1, 'b', 2}, "0.0.1.b2"},
+      {"a later stage overwrites, numbers between do not", "1.2b3.7.4d5", {1, 2, 4, 'd', 5}, "1.2.4.d5"},
+      {"the bug fix before a stage in front", "1b2.3.4", {0, 0, 1, 'b', 2}, "0.0.1.b2"},
       {"blanks and signs", " +1.\u00A0-2.x", {1, -2, 0, 0, 0}, "1.-2"},
-      {"beyond the range", "9.-9999999999.1a9999999999", {9, kLeast, 1, 'a', kMost}, "9.-2147483648.1.a2147483647"},
+      {"saturated", "9.-9999999999.1a9999999999", {9, INT32_MIN, 1, 'a', INT32_MAX}, "9.-2147483648.1.a2147483647"},
       {"zero byte and broken UTF-8", std::string_view("1\0.2\xFF.3\xC3", 8), {1, 2, 3, 0, 0}, "1.2.3"},
   };
   for (const auto& [name, text, version, newText] : rows) {
@@ -53,70 +51,60 @@ TEST(VersionNumbers, BothFormsReadAsTheSameRecord) {
     EXPECT_EQ(printed(version), newText);
     EXPECT_EQ(parsed(newText), version) << printed(parsed(newText));
   }
-  EXPECT_EQ(printed({1, 2, 0, '\xE9', 3}), "1.2.\u00E93");  // well formed whatever the stage is
-  EXPECT_EQ(printed(parsed("1.2.-3")), "1.2");
+  EXPECT_EQ(printed({1, 2, -3, '\xE9', 3}), "1.2.\u00E93");  // well formed whatever the stage is
   EXPECT_EQ(VersionNumbers::stringToVersion("1.2", nullptr), -72);
   EXPECT_EQ(VersionNumbers::versionToString({}, nullptr), -1);
 }
 
-// At every step what follows says the opposite; the ends of the range are where a difference would overflow.
-TEST(VersionNumbers, EachIsNewerThanAllBeforeIt) {
-  std::vector<VersionStruct> versions;
+TEST(VersionNumbers, ComparisonIsATotalOrder) {
+  // Each is newer than the one before. At every step what follows says the opposite; the ends of the range are where a
+  // difference would overflow.
   std::istringstream texts(
       "-2147483648.2147483647 -1.9d1 -1.9 1.-2147483648.2147483647 1.0.5 1.1b9 1.1 1.2147483647.-2147483648 "
       "2.0.-2147483648.b9 2.0d12 2.0a-2147483648 2.0a2147483647 2.0b7 2.0b10 2.0 2.0.1b1 2.0.2147483647b-9 10.4.9 "
       "10.4.11 2147483647.-2147483648d0");
+  std::vector<VersionStruct> versions;
   for (std::string text; texts >> text;) {
     versions.push_back(parsed(text));
   }
   versions.insert(versions.begin() + 9, {2, 0, 0, 'z', 99});  // an unknown stage is older than "2.0d12"
-  const auto compare = VersionNumbers::compareVersions;
-  for (const VersionStruct& a : versions) {
-    for (const VersionStruct& b : versions) {
-      EXPECT_EQ(compare(&a, &b), (&a > &b ? 1 : 0) - (&a < &b ? 1 : 0)) << printed(a) << " and " << printed(b);
-    }
+  for (std::size_t i = 1; i < versions.size(); ++i) {
+    EXPECT_EQ(kCompare(&versions[i], &versions[i - 1]), 1) << printed(versions[i]);
   }
-  EXPECT_EQ(compare(nullptr, nullptr), 0);
-  EXPECT_EQ(compare(nullptr, &versions[0]), -1);
-  EXPECT_EQ(compare(&versions[0], nullptr), 1);
-}
-
-// Few values each, so that ties are met at every step; the ends of the range, where a difference would overflow.
-TEST(VersionNumbers, ComparisonIsATotalOrder) {
+  // Few values each, so that ties are met at every step.
   std::mt19937 random(7);
-  const std::int32_t kNumbers[] = {-2147483647 - 1, -1, 0, 1, 2147483647};
-  const auto number = [&] { return kNumbers[random() % std::size(kNumbers)]; };
-  std::vector<VersionStruct> versions(2000);
-  for (VersionStruct& version : versions) {
-    version = {number(), number(), number(), "\0dabx"[random() % 5], number()};
+  const auto number = [&random] { return std::array{INT32_MIN, -1, 0, 1, INT32_MAX}[random() % 5]; };
+  for (int i = 0; i < 2000; ++i) {
+    versions.push_back({number(), number(), number(), "\0dabx"[random() % 5], number()});
   }
-  const auto compare = VersionNumbers::compareVersions;
   for (const VersionStruct& a : versions) {
     for (const VersionStruct& b : versions) {
-      const std::int32_t order = compare(&a, &b);
-      ASSERT_TRUE(order == -compare(&b, &a) && (order == 0) == (a == b));  // no two of the letters have one rank
+      const std::int32_t order = kCompare(&a, &b);
+      ASSERT_TRUE(order == -kCompare(&b, &a) && (order == 0) == (a == b));  // no two of the letters have one rank
     }
   }
-  const std::span<const VersionStruct> sample(versions.data(), 150);
-  for (const VersionStruct& a : sample) {
-    for (const VersionStruct& b : sample) {
-      for (const VersionStruct& c : sample) {
-        ASSERT_FALSE(compare(&a, &b) <= 0 && compare(&b, &c) <= 0 && compare(&a, &c) > 0);
+  versions.resize(150);
+  for (const VersionStruct& a : versions) {
+    for (const VersionStruct& b : versions) {
+      for (const VersionStruct& c : versions) {
+        ASSERT_FALSE(kCompare(&a, &b) <= 0 && kCompare(&b, &c) <= 0 && kCompare(&a, &c) > 0);
       }
     }
   }
+  EXPECT_EQ(kCompare(nullptr, nullptr), 0);
+  EXPECT_EQ(kCompare(nullptr, &versions[0]), -1);
+  EXPECT_EQ(kCompare(&versions[0], nullptr), 1);
 }
 
 TEST(VersionNumbers, TheProgramsVersionIsThatOfItsBundle) {
   const std::string full = "<key>CFBundleVersion</key>", brief = "<key>CFBundleShortVersionString</key>";
-  const std::tuple<const char*, std::string, bool, std::string_view, VersionStruct> rows[] = {
-      {"both", full + "<string>2.2b3</string>" + brief + "<string>2.1</string>", true, "2.1", {2, 1, 0, 0, 0}},
-      {"the short one alone", brief + "<string>2.1a4</string>", false, "2.1a4", {2, 1, 0, 'a', 4}},
-      {"the other alone fills no record", full + "<string>2.2</string>", false, "2.2", {}},
-      {"a number is no text", full + "<real>2.5</real>", false, "", {}},
-  };
-  for (const auto& [name, entries, isTest, text, record] : rows) {
-    SCOPED_TRACE(name);
+  const std::tuple<std::string, bool, std::string_view, VersionStruct> rows[] = {
+      {full + "<string>2.2b3</string>" + brief + "<string>2.1</string>", true, "2.1", {2, 1, 0, 0, 0}},
+      {brief + "<string>2.1a4</string>", false, "2.1a4", {2, 1, 0, 'a', 4}},
+      {full + "<string>2.2</string>" + brief + "<real>2.5</real>", false, "2.2", {}},
+      {full + "<real>2.5</real>", false, "", {}}};
+  for (const auto& [entries, isTest, text, record] : rows) {
+    SCOPED_TRACE(entries);
     const tests::TemporaryFolder folder;
     folder.write("Info.plist", "<plist version=\"1.0\"><dict>" + entries + "</dict></plist>");
     const tests::MainBundle bundle(folder.path());
@@ -126,12 +114,11 @@ TEST(VersionNumbers, TheProgramsVersionIsThatOfItsBundle) {
   }
 }
 
-TEST(VersionNumbers, TheReleaseFileIsReadAsAShellReadsIt) {
+TEST(VersionNumbers, TheReleaseFileStatesItWithOrWithoutQuotes) {
   const std::tuple<const char*, std::string_view, std::optional<std::string_view>> rows[] = {
-      {"carriage returns", "ID=debian\r\nVERSION_ID='12'\r\nVERSION=\"12 (bookworm)\"\n", "12"},
+      {"blanks, carriage returns", "ID=x\r\n\tVERSION_ID= '1\\$2'\r\nVERSION=\"12 (bookworm)\"\n", "1\\$2"},
       {"protected characters", R"(VERSION_ID="1\"\$\\\n")", R"(1"$\\n)"},
-      {"a quote that does not close", "VERSION_ID=\"12\nID=x\n", "12"},
-      {"the last of several", "VERSION_ID=1\nVERSION_ID=2\n", "2"},
+      {"a quote that does not close, the last of several", "VERSION_ID=1\nVERSION_ID=\"2\nID=x\n", "2"},
       {"empty is not absent", "VERSION_ID=\n", ""},
       {"names that only look alike", "#VERSION_ID=1\nMY_VERSION_ID=2\nVERSION_ID_LIKE=3\n", std::nullopt},
       {"broken UTF-8, no line break", "VERSION_ID=1\xFF", "1\uFFFD"},
@@ -145,8 +132,8 @@ TEST(VersionNumbers, TheReleaseFileIsReadAsAShellReadsIt) {
 TEST(VersionNumbers, TheSystemsVersionIsThatOfItsReleaseFile) {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> shell(
       ::popen("unset VERSION_ID; . /etc/os-release 2>&-; printf %s \"${VERSION_ID+.$VERSION_ID}\"", "r"), ::pclose);
-  std::array<char, 256> bytes{};
-  const std::string marked(bytes.data(), std::fread(bytes.data(), 1, bytes.size(), shell.get()));
+  std::string marked(256, '\0');
+  marked.resize(std::fread(marked.data(), 1, marked.size(), shell.get()));
   VersionStruct given = kDirty;
   EXPECT_EQ(VersionNumbers::systemVersionStruct(&given), marked.empty() ? nullptr : &given);
   EXPECT_EQ(given, marked.empty() ? kDirty : parsed(marked.substr(1)));

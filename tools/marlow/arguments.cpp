@@ -20,10 +20,16 @@ const OptionSpecification* specificationOf(std::string_view name, std::span<cons
   return nullptr;
 }
 
+// "-94"
+bool isNegativeNumber(std::string_view word) {
+  return word.size() > 1 && word[0] == '-' && word.find_first_not_of("0123456789", 1) == std::string_view::npos;
+}
+
 }  // namespace
 
 std::optional<Arguments> Arguments::parse(std::span<const std::string_view> words,
-                                          std::span<const OptionSpecification> options, std::string* error) {
+                                          std::span<const OptionSpecification> options, std::string* error,
+                                          bool negativeNumbers) {
   Arguments arguments;
   for (std::size_t i = 0; i < words.size(); ++i) {
     const std::string_view word = words[i];
@@ -36,7 +42,7 @@ std::optional<Arguments> Arguments::parse(std::span<const std::string_view> word
       arguments.mOptions.emplace("--help", "");
       continue;
     }
-    if (!word.starts_with('-') || word == "-") {
+    if (!word.starts_with('-') || word == "-" || (negativeNumbers && isNegativeNumber(word))) {
       arguments.mOperands.emplace_back(word);
       continue;
     }

@@ -18,10 +18,11 @@ struct OptionSpecification {
 class Arguments {
  public:
   // Takes `words` apart by `options`, to which --json and --help are added. "-h" is --help, "--" ends the options;
-  // "--name=value" and "--name value" are the same. Absent when a word is no option of the command or a value is missing;
-  // `*error` says which.
+  // "--name=value" and "--name value" are the same. A word of "-" and digits is an operand where `negativeNumbers` are.
+  // Absent when a word is no option of the command or a value is missing; `*error` says which.
   [[nodiscard]] static std::optional<Arguments> parse(std::span<const std::string_view> words,
-                                                      std::span<const OptionSpecification> options, std::string* error);
+                                                      std::span<const OptionSpecification> options, std::string* error,
+                                                      bool negativeNumbers = false);
 
   [[nodiscard]] bool has(std::string_view option) const { return mOptions.find(option) != mOptions.end(); }
   [[nodiscard]] bool wantsJSON() const { return has("--json"); }

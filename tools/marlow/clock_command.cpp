@@ -1,3 +1,6 @@
+#include <optional>
+#include <string>
+
 #include "platform/clock.h"
 #include "platform/date_text.h"
 #include "platform/text.h"
@@ -23,7 +26,7 @@ struct Words {
 };
 
 std::optional<std::int32_t> numberBelow(std::string_view digits, std::int32_t end) {
-  const bool isNumber = digits.size() == 2 && digits.find_first_not_of("0123456789") == std::string_view::npos;
+  const bool isNumber = !digits.empty() && digits.find_first_not_of("0123456789") == std::string_view::npos;
   const std::int32_t number = platform::lenientInteger(digits);
   return isNumber && number < end ? std::optional(number) : std::nullopt;
 }
@@ -39,11 +42,12 @@ std::optional<Words> wordsOf(std::string_view input) {
   if (const std::optional<platform::Date> date = platform::dateFromText(text)) {
     return wordsOf(*date);
   }
-  if (text.size() != 5 || text[2] != ':') {
+  const std::size_t colon = text.find(':');
+  if (colon > 2 || text.size() != colon + 3) {
     return std::nullopt;
   }
-  const std::optional<std::int32_t> hour = numberBelow(text.substr(0, 2), 24);
-  const std::optional<std::int32_t> minute = numberBelow(text.substr(3), 60);
+  const std::optional<std::int32_t> hour = numberBelow(text.substr(0, colon), 24);
+  const std::optional<std::int32_t> minute = numberBelow(text.substr(colon + 1), 60);
   return hour && minute ? std::optional<Words>({Utilities::formattedTimeWithHourAndMinute(*hour, *minute), ""})
                         : std::nullopt;
 }
@@ -70,9 +74,18 @@ bool describe(std::string_view input, bool asJSON) {
   return false;
 }
 
+// The style of the user who has `chosen`. The older setting says nothing of it; any other chosen format was made or taken
+// by the one that tells the style, so that nothing is asked, or logged, a second time.
+bool prefers12Hours(const Utilities::TimeFormat& chosen) {
+  if (chosen.source == "NSTimeFormatString") {
+    return Utilities::userPrefers12HourClock();
+  }
+  return chosen.pattern.find('a') != std::string::npos || chosen.pattern.find("%p") != std::string::npos;
+}
+
 void printFormat(bool asJSON) {
   const Utilities::TimeFormat format = Utilities::chosenTimeFormat();
-  const bool has12Hours = Utilities::userPrefers12HourClock();
+  const bool has12Hours = prefers12Hours(format);
   if (asJSON) {
     printJSON(
         Value::Dictionary{{"format", format.pattern}, {"source", format.source}, {"prefers12HourClock", has12Hours}});
@@ -103,18 +116,17 @@ ExitCode run(const Arguments& arguments) {
 const Command kClockCommand = {
     .name = "clock",
     .summary = "write times as the user's clock shows them",
-    .usage = "[--format] [--json] [DATE…]",
+    .usage = "[--json] [--format] [DATE…]",
     .help =
         "Prints the present time, or each one given, in the user's 12- or 24-hour style and in the local time zone, "
         "with\n"
         "the word for today, tomorrow or yesterday.\n"
-        "DATE is a date such as 2001-12-31T23:59:59Z or a time of today such as 14:05; with -, one a line from "
-        "standard\n"
-        "input.\n"
+        "DATE is a date such as 2001-12-31T23:59:59Z or a time of today such as 14:05; for -, one a line is read from\n"
+        "standard input.\n"
         "  --format  prints which format is used, the setting that it comes from, and the style; then the times given\n"
-        "The settings are those of marlow prefs; without any, LC_ALL, LC_TIME or LANG decide, and without these it is "
-        "a\n"
-        "12-hour clock.\n"
+        "The formats and words come from the settings: AppleICUTimeFormatStrings and others, dictionaries and lists,\n"
+        "which marlow prefs shows and does not set. They are kept in the file that marlow prefs path names. Without\n"
+        "any, LC_ALL, LC_TIME or LANG decide, and without these it is a 12-hour clock.\n"
         "\n"
         "  marlow clock --format\n"
         "  LC_TIME=de_DE.UTF-8 marlow clock 14:05\n",

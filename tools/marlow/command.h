@@ -20,6 +20,7 @@ struct Command {
   std::string_view help;                         // the rest of `--help`: arguments, input, examples
   std::span<const OptionSpecification> options;  // beside --json and --help, which every command has
   bool wordsThings;                              // useless without the texts of the main bundle
+  bool negativeNumbers = false;                  // operands may be such as "-94" without "--" in front
   ExitCode (*run)(const Arguments& arguments);
 };
 

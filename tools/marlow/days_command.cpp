@@ -1,5 +1,7 @@
 #include <charconv>
+#include <optional>
 #include <stdexcept>
+#include <string>
 
 #include "platform/text.h"
 #include "tools/marlow/command.h"
@@ -76,7 +78,7 @@ const Command kDaysCommand = {
         "begin with \"-\" stand behind --. MASK is 0 to 127, also in hex with 0x: 64 is the day shown first, 1, 2, 4, "
         "8, 16\n"
         "and 32 are those behind it. Seven digits are a text.\n"
-        "Without any, or with -, reads one a line from standard input.\n"
+        "Without any, or for -, reads one a line from standard input.\n"
         "\n"
         "  marlow days 62 0x41 S-T----\n"
         "  marlow days -- -MTWTF-\n",

@@ -8,6 +8,24 @@
 
 namespace SharedClasses::marlow {
 
+namespace {
+
+// Whether every line of standard input was good. Ends also where nobody reads any more.
+bool useStandardInput(const std::function<bool(std::string_view)>& use) {
+  bool allGood = true;
+  for (InputLines lines(std::cin); std::cout && lines.next(); std::cout.flush()) {
+    if (lines.isTooLong()) {
+      complain("standard input:" + std::to_string(lines.number()) + ": " + lineTooLongText());
+      allGood = false;
+    } else if (!platform::trimmed(lines.line()).empty()) {
+      allGood = use(lines.line()) && allGood;
+    }
+  }
+  return allGood;
+}
+
+}  // namespace
+
 std::string lineTooLongText() {
   return "the line is longer than " + std::to_string(kMaximumLineLength) + " bytes";
 }
@@ -51,28 +69,15 @@ bool InputLines::readLine() {
 ExitCode forEachInput(std::string_view command, const Arguments& arguments,
                       const std::function<bool(std::string_view)>& use) {
   const std::vector<std::string>& operands = arguments.operands();
-  ExitCode code = ExitCode::AllWell;
-  const bool readsInput = operands.empty() || (operands.size() == 1 && operands[0] == "-");
-  if (!readsInput) {
-    for (const std::string& operand : operands) {
-      code = use(operand) ? code : ExitCode::BadInput;
-    }
-    return code;
-  }
   if (operands.empty() && platform::isTerminal(platform::StandardStream::Input)) {
     complain(std::string(command) + ": nothing to read; see marlow " + std::string(command) + " --help");
     return ExitCode::CannotRun;
   }
-  // Ends also where nobody reads any more.
-  for (InputLines lines(std::cin); std::cout && lines.next(); std::cout.flush()) {
-    if (lines.isTooLong()) {
-      complain("standard input:" + std::to_string(lines.number()) + ": " + lineTooLongText());
-      code = ExitCode::BadInput;
-    } else if (!platform::trimmed(lines.line()).empty()) {
-      code = use(lines.line()) ? code : ExitCode::BadInput;
-    }
+  bool allGood = !operands.empty() || useStandardInput(use);
+  for (const std::string& operand : operands) {
+    allGood = (operand == "-" ? useStandardInput(use) : use(operand)) && allGood;
   }
-  return code;
+  return allGood ? ExitCode::AllWell : ExitCode::BadInput;
 }
 
 }  // namespace SharedClasses::marlow

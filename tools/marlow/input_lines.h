@@ -39,9 +39,9 @@ class InputLines {
   bool mIsTooLong = false;
 };
 
-// Calls `use` with each operand, or, where there is none or the only one is "-", with each line of standard input that is
-// not blank, and lets what it printed out before the next line. `use` says whether the input was good. Complains and cannot
-// run where there is no operand and standard input is a terminal.
+// Calls `use` with each operand; for "-", or where there is none, with each line of standard input that is not blank, and
+// lets what it printed out before the next line. `use` says whether the input was good. Complains and cannot run where there
+// is no operand and standard input is a terminal.
 [[nodiscard]] ExitCode forEachInput(std::string_view command, const Arguments& arguments,
                                     const std::function<bool(std::string_view)>& use);
 

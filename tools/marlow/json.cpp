@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "platform/text.h"
+#include "tools/marlow/output.h"
 
 namespace SharedClasses::marlow {
 
@@ -20,7 +21,7 @@ void appendText(std::string& json, std::string_view text) {
     if (c == U'"' || c == U'\\') {
       json += '\\';
       json += static_cast<char>(c);
-    } else if (c < 0x20 || c == 0x7F) {
+    } else if (drivesTerminal(c)) {
       json += "\\u" + platform::hexDigits(c, 4);
     } else {
       platform::appendUTF8(json, c);

@@ -67,7 +67,8 @@ ExitCode run(std::span<const std::string_view> words) {
   }
   const Command& command = **found;
   std::string error;
-  const std::optional<Arguments> arguments = Arguments::parse(words.subspan(1), command.options, &error);
+  const std::optional<Arguments> arguments =
+      Arguments::parse(words.subspan(1), command.options, &error, command.negativeNumbers);
   if (!arguments) {
     complain(std::string(command.name) + ": " + error + "; see marlow " + std::string(command.name) + " --help");
     return ExitCode::CannotRun;

@@ -1,4 +1,6 @@
 #include <charconv>
+#include <optional>
+#include <string>
 
 #include "platform/text.h"
 #include "tools/marlow/command.h"
@@ -111,15 +113,17 @@ const Command kMessageCommand = {
     .help =
         "Prints for each result code the message that the user sees; a code without one reads \"Error\" and its\n"
         "number.\n"
-        "A code is a decimal number, below 0 behind --, or 0x and the hex digits of its 32 bits.\n"
-        "For 126, -97 and 0xE00002C5 the message names what holds the controller, if such a program runs now.\n"
-        "Without codes, or with -, reads one a line from standard input.\n"
+        "A code is a decimal number, or 0x and the hex digits of its 32 bits.\n"
+        "The message for 126, -97 and 0xE00002C5 may blame a program that runs now: Classic, or for 0xE00002C5 also\n"
+        "Indigo or XTension. It looks only whether that runs, not whether it holds the controller.\n"
+        "Without codes, or for -, reads one a line from standard input.\n"
         "  --list  prints every code that has a message, with all the messages it can have\n"
         "\n"
         "  marlow message 35 0xE00002C5\n"
-        "  marlow message -- -94\n",
+        "  marlow message -94\n",
     .options = kOptions,
     .wordsThings = true,
+    .negativeNumbers = true,
     .run = run,
 };
 

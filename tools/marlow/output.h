@@ -8,13 +8,18 @@
 
 namespace SharedClasses::marlow {
 
-// Prints `line` and a line break on standard output. Control characters, which names and files may hold, become "?".
+// Whether `c` can make a terminal show something else than the text says: control characters, tabs and line ends among
+// them, and those that turn the direction of writing.
+[[nodiscard]] bool drivesTerminal(char32_t c);
+
+// Prints `line` and a line break on standard output. Characters that drive a terminal, which names, files and servers may
+// hold, become "?".
 void printLine(std::string_view line);
 
 // Prints `value` as one line of JSON.
 void printJSON(const platform::Value& value);
 
-// Prints "marlow: " and `message` on standard error.
+// Prints "marlow: " and `message` on standard error, as printLine does.
 void complain(std::string_view message);
 
 // Text from outside as it stands in a complaint: in double quotes, on one line, cut after 60 characters.

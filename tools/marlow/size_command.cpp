@@ -1,4 +1,6 @@
 #include <charconv>
+#include <optional>
+#include <string>
 
 #include "platform/text.h"
 #include "tools/marlow/command.h"
@@ -54,7 +56,7 @@ const Command kSizeCommand = {
     .help =
         "Prints each number of bytes as the programs show it: cut and never rounded, units of 1000.\n"
         "Below 1000 bytes they show a tenth of the number, without a unit.\n"
-        "Without numbers, or with -, reads one a line from standard input.\n"
+        "Without numbers, or for -, reads one a line from standard input.\n"
         "\n"
         "  marlow size 1500000 123456789012\n",
     .options = {},

@@ -1,14 +1,21 @@
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/bundle.h"
 #include "platform/clock.h"
 #include "platform/date_text.h"
+#include "platform/exceptions.h"
 #include "platform/property_list.h"
+#include "platform/text.h"
+#include "shared/constants.h"
 #include "shared/preferences.h"
+#include "system/processes/simple_task.h"
 #include "tools/marlow/command.h"
 #include "tools/marlow/output.h"
+#include "updates/safe_url_connection.h"
 #include "updates/url_fetcher.h"
 #include "updates/version_document.h"
 #include "updates/version_manager.h"
@@ -21,111 +28,262 @@ namespace {
 using platform::Value;
 
 constexpr OptionSpecification kOptions[] = {{"--url", true}, {"--own", true}};
-constexpr double kFetchTimeout = 4.0;  // seconds
+constexpr double kTimeLimit = 4.0;  // seconds
 
-// Which of the three entries one is, by the type that it was given, and what else a listed one is newer than.
+// One of the three entries of a document, by the type that it was given.
 struct Kind {
   std::string_view type;
   std::string_view name;
-  std::string_view alsoNewerThan;
+  Value::Dictionary VersionDocument::*entry;
 };
-constexpr Kind kKinds[] = {
-    {"Free Update", "update", ""}, {"Latest", "release", ""}, {"Test", "test", ", the release and the update"}};
+constexpr Kind kKinds[] = {{"Free Update", "update", &VersionDocument::update},
+                           {"Latest", "release", &VersionDocument::release},
+                           {"Test", "test", &VersionDocument::test}};
 
 std::string textUnder(const Value& entry, std::string_view key) {
   const Value* const found = entry.find(key);
   return found != nullptr && found->text() != nullptr ? *found->text() : std::string();
 }
 
-void complain(std::string_view subject, const std::string& fault, bool asJSON) {
-  if (asJSON) {
-    printJSON(Value::Dictionary{{"url", subject}, {"error", fault}});
+std::string joined(const std::vector<std::string>& texts) {
+  std::string result;
+  for (const std::string& text : texts) {
+    result += (result.empty() ? "" : ", ") + text;
   }
-  marlow::complain("updates: " + quoted(subject) + ": " + fault);
+  return result;
 }
 
-void printNewer(const Value& entry, const std::string& own, bool asJSON) {
+Value listOf(const std::vector<std::string>& texts) {
+  return Value::List(texts.begin(), texts.end());
+}
+
+ExitCode refuse(const std::string& url, const std::string& fault, ExitCode code, bool asJSON) {
+  if (asJSON) {
+    printJSON(Value::Dictionary{{"url", url}, {"error", fault}});
+  }
+  complain("updates: " + quoted(url) + ": " + fault);
+  return code;
+}
+
+// What `document` offers, placeholders left out: "release 2.1". Of all kinds but `other`.
+std::vector<std::string> offersIn(const VersionDocument& document, std::string_view other = "") {
+  std::vector<std::string> offers;
+  for (const Kind& kind : kKinds) {
+    const Value::Dictionary& entry = document.*kind.entry;
+    const std::string version = textUnder(entry, "version");
+    if (!entry.empty() && kind.name != other && version.find("placeholder") == version.npos) {
+      offers.push_back(std::string(kind.name) + ' ' + version);
+    }
+  }
+  return offers;
+}
+
+void printNewer(const Value& entry, const VersionDocument& document, const std::string& own, bool asJSON) {
   const std::string type = textUnder(entry, "type");
   const Kind& kind = *std::ranges::find(kKinds, type, &Kind::type);
+  std::vector<std::string> older{own};
+  if (kind.name == "test") {  // listed only where it is newer than both others
+    const std::vector<std::string> others = offersIn(document, kind.name);
+    older.insert(older.end(), others.begin(), others.end());
+  }
   if (asJSON) {
-    printJSON(Value::Dictionary{{"kind", kind.name}, {"newerThan", own}, {"entry", entry}});
+    printJSON(Value::Dictionary{{"kind", kind.name}, {"newerThan", listOf(older)}, {"entry", entry}});
     return;
   }
   const std::string url = textUnder(entry, "url");
-  printLine(std::string(kind.name) + ' ' + textUnder(entry, "version") + " (" + type + "), newer than " + own +
-            std::string(kind.alsoNewerThan) + ": " + (url.empty() ? "no address" : url));
+  printLine(std::string(kind.name) + ' ' + textUnder(entry, "version") + " (" + type + "), newer than " +
+            joined(older) + ": " + (url.empty() ? "no address" : url));
 }
 
-void printNextCheck(bool asJSON) {
-  const std::optional<platform::Date> next = VersionManager::nextCheck(*Preferences::storeOfServedUser());
-  const std::optional<std::string> date = next ? platform::dateText(*next) : std::nullopt;
-  const bool isDue = next && next->secondsSinceReference < platform::Clock::current().now().secondsSinceReference;
-  if (asJSON) {
-    printJSON(Value::Dictionary{
-        {"checks", next.has_value()}, {"nextCheck", date ? Value(*date) : Value()}, {"isDue", isDue}});
-  } else if (!next) {
-    printLine("next check: none, checkForAppUpdates is not on");
-  } else {
-    printLine(std::string("next check: ") + (isDue ? "due since " : "") + date.value_or("beyond the calendar"));
-  }
-}
-
-// Where the agent would ask on behalf of `own`. An address that has its parameters is asked for as it stands.
-std::string addressFor(const Arguments& arguments, const std::string& own) {
-  const std::string address =
-      arguments.value("--url").value_or(std::string(Utilities::viewOfString("keyLatestVersionURL")));
-  return arguments.has("--url") && address.find('?') != address.npos ? address : address + "?fromVersion=" + own;
-}
-
-ExitCode evaluate(const std::string& url, const std::string& text, const std::string& own, bool asJSON) {
-  const VersionDocument document = versionDocumentFromText(text);
-  if (document.release.empty() && document.update.empty() && document.test.empty()) {
-    platform::PropertyListError error{.message = "it has no entry release, update or test", .line = 0};
-    if (text.size() > kMaximumVersionDocumentSize) {
-      error.message = "it is too long";
-    } else {
-      static_cast<void>(platform::propertyListFromXML(text, &error));
-    }
-    complain(url, "the answer is no version document: " + error.message, asJSON);
-    return ExitCode::BadInput;
-  }
+// Each entry that is newer than `own`, or that there is none.
+void printOffers(const VersionDocument& document, const std::string& own, bool asJSON) {
   VersionStruct version;
   static_cast<void>(VersionNumbers::stringToVersion(own, &version));
   const NewerVersions newer = newerVersionsOf(document, version);
   for (const Value& entry : newer.entries) {
-    printNewer(entry, own, asJSON);
+    printNewer(entry, document, own, asJSON);
   }
-  if (newer.entries.empty() && !asJSON) {
-    printLine("nothing newer than " + own);
+  if (!newer.entries.empty()) {
+    return;
   }
-  return ExitCode::AllWell;
+  const std::vector<std::string> offers = offersIn(document);
+  if (asJSON) {
+    printJSON(Value::Dictionary{{"kind", "none"}, {"newerThan", listOf({own})}, {"onOffer", listOf(offers)}});
+  } else {
+    printLine("nothing newer than " + own + "; on offer: " + (offers.empty() ? "nothing" : joined(offers)));
+  }
 }
 
-ExitCode fetchAndEvaluate(const Arguments& arguments, const std::string& own) {
-  const std::string url = addressFor(arguments, own);
-  URLFetcher fetcher;
-  const std::int32_t result = fetcher.startURLRequest({.url = url, .withTimeout = kFetchTimeout});
-  const std::optional<std::string> text = fetcher.textReturned();
-  if (result != URLFetcher::kFinished || !text || text->empty()) {
-    complain(url, result != URLFetcher::kFinished ? "not fetched (" + std::to_string(result) + ")" : "no answer",
-             arguments.wantsJSON());
-    return ExitCode::CannotRun;
+// Why `text` is no version document; empty where it is one.
+std::string faultOf(std::string_view text) {
+  if (text.size() > kMaximumVersionDocumentSize) {
+    return "it is longer than " + std::to_string(kMaximumVersionDocumentSize) + " bytes";
   }
-  return evaluate(url, *text, own, arguments.wantsJSON());
+  platform::PropertyListError error;
+  const std::optional<Value> root = platform::propertyListFromXML(text, &error);
+  if (!root) {
+    return "line " + std::to_string(error.line) + ": " + error.message;
+  }
+  return root->type() == Value::Type::Dictionary ? "" : "it is no dictionary";
+}
+
+// A fetch that keeps what the connection reported, in the place of the log.
+class Fetch : public URLFetcher {
+ public:
+  void connectionDidFailWithError(SafeURLConnection& connection, const URLConnectionError& error) override {
+    mReport = textUnder(error.userInfo, "errorString");
+    connectionDidFinishLoading(connection);
+  }
+
+  // Absent where the connection did not fail.
+  [[nodiscard]] const std::optional<std::string>& report() const { return mReport; }
+
+ private:
+  std::optional<std::string> mReport;
+};
+
+// What curl says of an address that gave it nothing, which the fetch does not tell: it is asked once more, for the headers
+// alone. Empty where it says nothing.
+std::string complaintOfCurl(const std::string& url) {
+  std::optional<std::string> headers;
+  std::optional<std::string> complaint;
+  static_cast<void>(platform::nameOfThrown([&] {
+    const SimpleTask task(
+        {.launchPath = "/usr/bin/curl",
+         .arguments = std::vector<std::string>{"--silent", "--show-error", "--head", "--max-time", "3", url},
+         .inputText = "",
+         .outputText = &headers,
+         .errorText = &complaint,
+         .maxSecondsToWait = kTimeLimit,
+         .environmentChanges = {{"LC_ALL", "C.UTF-8"}}});
+  }));
+  std::string line = complaint.value_or("");
+  line.erase(std::min(line.find('\n'), line.size()));
+  const std::size_t number = line.find(") ");  // "curl: (6) Could not resolve host: …"
+  return number == line.npos ? line : line.substr(number + 2);
+}
+
+ExitCode fetchAndEvaluate(const std::string& url, const std::string& own, bool asJSON) {
+  Fetch fetch;
+  const std::int32_t result = fetch.startURLRequest({.url = url, .withTimeout = kTimeLimit});
+  const std::string text = fetch.textReturned().value_or("");
+  if (!text.empty()) {
+    const std::string fault = faultOf(text);
+    if (!fault.empty()) {
+      return refuse(url, "the answer is no version document: " + fault, ExitCode::BadInput, asJSON);
+    }
+    printOffers(versionDocumentFromText(text), own, asJSON);
+    return ExitCode::AllWell;
+  }
+  std::string fault;
+  if (result != URLFetcher::kFinished) {
+    fault = "not fetched (" + std::to_string(result) + ")";
+  } else if (!fetch.report()) {
+    const std::string complaint = complaintOfCurl(url);
+    fault = complaint.empty() ? "the answer is empty" : "no answer: " + complaint;
+  } else if (*fetch.report() == "Task timed out.") {
+    fault = "no answer within 4 seconds, or one that is too long";
+  } else if (fetch.report()->empty()) {
+    fault = "curl gave no text; is it installed?";
+  } else {
+    return refuse(url, "the answer is no version document: it is not UTF-8", ExitCode::BadInput, asJSON);
+  }
+  return refuse(url, fault, ExitCode::CannotRun, asJSON);
+}
+
+// When the next check is due and why; `date` is null where there is none, or none was made yet.
+struct NextCheck {
+  Value date;
+  bool isWanted;
+  bool isDue;
+  std::string why;
+};
+
+NextCheck nextCheck(const platform::SettingsStore& store) {
+  const std::optional<platform::Date> next = VersionManager::nextCheck(store);
+  if (!next) {
+    std::string why = "checkForAppUpdates is off";
+    if (Preferences::valueInStore(store, kPrefKeyCheckForNewVersions).isAbsent()) {
+      const bool wasStarted = !Preferences::valueInStore(store, "runCount").isAbsent();
+      why = "checkForAppUpdates is not set";
+      why += wasStarted ? "" : "; the first start of a program switches it on";
+    }
+    return {{}, false, false, why};
+  }
+  const bool isDue = next->secondsSinceReference < platform::Clock::current().now().secondsSinceReference;
+  const Value last = Preferences::valueInStore(store, kPrefKeyTimeOfLastVersionCheck);
+  const double time = last.realValue().value_or(static_cast<double>(Preferences::integerOf(last)));
+  if (time == 0.0 || std::isnan(time)) {
+    return {{}, true, isDue, "none was made yet"};
+  }
+  const std::optional<std::string> date = platform::dateText(*next);
+  return {date ? Value(*date) : Value(), true, isDue,
+          date || isDue ? "" : "updatesCheckInterval leads beyond the calendar"};
+}
+
+void printNextCheck(bool asJSON) {
+  const NextCheck next = nextCheck(*Preferences::storeOfServedUser());
+  if (asJSON) {
+    printJSON(Value::Dictionary{
+        {"checks", next.isWanted}, {"nextCheck", next.date}, {"isDue", next.isDue}, {"why", next.why}});
+    return;
+  }
+  const std::string* const date = next.date.text();
+  const std::string when = date != nullptr ? (next.isDue ? "due since " : "") + *date : next.isDue ? "due" : "none";
+  printLine("next check: " + when + (next.why.empty() ? "" : ", " + next.why) +
+            (next.isWanted ? " (a program that already runs checks at its own interval)" : ""));
+}
+
+// Whether `url` is one that the fetch takes, and to which parameters can be put.
+bool canBeAsked(std::string_view url) {
+  for (const char32_t c : platform::CodePoints(url)) {
+    if (c == U'#' || platform::isBlank(c) || drivesTerminal(c)) {
+      return false;
+    }
+  }
+  return SafeURLConnection::isWebAddress(url);
+}
+
+bool isVersion(std::string_view text) {
+  const auto isDigit = [](char c) { return platform::isASCIIDigit(static_cast<unsigned char>(c)); };
+  return std::ranges::any_of(text, isDigit) && std::ranges::all_of(text, [&](char c) {
+           return isDigit(c) || platform::isASCIILetter(static_cast<unsigned char>(c)) || c == '.' || c == '-' ||
+                  c == '_';
+         });
+}
+
+// What is wrong with the arguments; empty where nothing is.
+std::string faultOf(const Arguments& arguments) {
+  if (!arguments.operands().empty()) {
+    return "takes no operands; see marlow updates --help";
+  }
+  if (const std::optional<std::string> url = arguments.value("--url"); url && !canBeAsked(*url)) {
+    return "--url " + quoted(*url) +
+           ": an address begins with http:// or https://, in lower case, and holds no #, no blank and no control "
+           "character";
+  }
+  if (const std::optional<std::string> own = arguments.value("--own"); own && !isVersion(*own)) {
+    return "--own " + quoted(*own) + R"(: a version has a digit, and nothing but digits, letters, ".", "-" and "_")";
+  }
+  return "";
 }
 
 ExitCode run(const Arguments& arguments) {
-  if (!arguments.operands().empty()) {
-    marlow::complain("updates: takes no operands; see marlow updates --help");
+  if (const std::string fault = faultOf(arguments); !fault.empty()) {
+    complain("updates: " + fault);
     return ExitCode::CannotRun;
   }
   const Value stated = platform::Bundle::main().infoValue("CFBundleVersion");
   const std::string own = arguments.value("--own").value_or(stated.text() == nullptr ? "" : *stated.text());
   if (own.empty()) {
-    marlow::complain("updates: this program states no version; give one with --own");
+    complain("updates: this program states no version; give one with --own");
     return ExitCode::CannotRun;
   }
-  const ExitCode code = fetchAndEvaluate(arguments, own);
+  std::string url = arguments.value("--url").value_or(std::string(Utilities::viewOfString("keyLatestVersionURL")));
+  if (!arguments.has("--url") || url.find('?') == url.npos) {
+    url += "?fromVersion=" + own;  // as the agent asks; an address that has its parameters is asked for as it stands
+  }
+  const ExitCode code = fetchAndEvaluate(url, own, arguments.wantsJSON());
   printNextCheck(arguments.wantsJSON());
   return code;
 }
@@ -137,16 +295,19 @@ const Command kUpdatesCommand = {
     .summary = "ask whether a newer version is offered",
     .usage = "[--url URL] [--own VERSION] [--json]",
     .help =
-        "Fetches the version document, as the agent does, and prints each version in it that is newer, why, and where\n"
-        "to get it; then when the next check is due. Takes at most four seconds.\n"
-        "  --url URL      asks there instead of at the configured address. ?fromVersion= and the version are put "
-        "behind\n"
-        "                 it, unless it has a ? of its own\n"
-        "  --own VERSION  compares with this version, instead of this program's own\n"
-        "The exit code is 1 when the answer is no version document, and 2 when there is no answer. The next check is\n"
-        "worked out from checkForAppUpdates, updatesCheckInterval and timeOfLastVersionCheck of marlow prefs. This "
-        "tool\n"
-        "stores nothing: it is no check that the programs count, and no program start.\n"
+        "Fetches the version document, as the agent does, and prints each version in it that is newer, than what, and\n"
+        "where to get it; then when the next check is due. Takes at most eight seconds.\n"
+        "  --url URL      asks there instead of at the configured address: http:// or https:// in lower case, without\n"
+        "                 #, blanks and control characters. ?fromVersion= and the version are put behind it, unless\n"
+        "                 it has a ? of its own\n"
+        "  --own VERSION  compares with this version, instead of this program's own: digits, letters, \".\", \"-\", "
+        "\"_\"\n"
+        "The exit code is 1 when the answer is no version document, and 2 when there is no answer or an empty one. A\n"
+        "document may well offer nothing. Redirects are not followed.\n"
+        "The next check is worked out from checkForAppUpdates, updatesCheckInterval and timeOfLastVersionCheck of\n"
+        "marlow prefs: a program that starts when one is due checks at once; one that already runs checks at its own\n"
+        "interval, counted from its start. This tool stores nothing: it is no check that the programs count, and no\n"
+        "program start.\n"
         "\n"
         "  marlow updates\n"
         "  marlow updates --url http://127.0.0.1:8000/version.xml --own 2.0b3\n"

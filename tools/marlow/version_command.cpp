@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "platform/terminal.h"
@@ -125,7 +127,12 @@ ExitCode describeProgramAndSystem(bool asJSON) {
 
 ExitCode run(const Arguments& arguments) {
   const bool sorts = arguments.has("--sort");
-  if (arguments.operands().empty() && !sorts && platform::isTerminal(platform::StandardStream::Input)) {
+  const bool isAlone = arguments.operands().empty() && !sorts;
+  if (arguments.has("--self") && !isAlone) {
+    complain("version: --self stands alone; leave out " + (sorts ? "--sort" : quoted(arguments.operands()[0])));
+    return ExitCode::CannotRun;
+  }
+  if (arguments.has("--self") || (isAlone && platform::isTerminal(platform::StandardStream::Input))) {
     return describeProgramAndSystem(arguments.wantsJSON());
   }
   VersionPrinter printer(arguments.wantsJSON());
@@ -145,24 +152,24 @@ ExitCode run(const Arguments& arguments) {
   return code;
 }
 
-constexpr OptionSpecification kOptions[] = {{"--sort", false}};
+constexpr OptionSpecification kOptions[] = {{"--self", false}, {"--sort", false}};
 
 }  // namespace
 
 const Command kVersionCommand = {
     .name = "version",
     .summary = "read, compare and sort version numbers",
-    .usage = "[--json] [--sort] [TEXT…]",
+    .usage = "[--json] [--self | [--sort] [TEXT…]]",
     .help =
         "Prints each version as it is written out and as people write it, its parts, and how it compares with the one\n"
         "before it. A version is up to three numbers, then a stage letter and a build: d is a development version, a "
         "an\n"
         "alpha, b a beta, no letter a release. Any text is read; what is no number counts as 0.\n"
-        "--sort puts the oldest first; equal ones stay in their order.\n"
-        "Without texts, or with -, reads one a line from standard input; at a terminal, tells the versions of this\n"
-        "program and of this system.\n"
+        "  --self  tells the versions of this program and of this system, as it does at a terminal without texts\n"
+        "  --sort  puts the oldest first; equal ones stay in their order\n"
+        "Without texts, or for -, reads one a line from standard input.\n"
         "\n"
-        "  marlow version\n"
+        "  marlow version --self\n"
         "  marlow version --sort 2.0 2.0b7 2.0a9 10.4.11 10.4.9\n",
     .options = kOptions,
     .wordsThings = false,

@@ -39,19 +39,20 @@ struct Authorization : PrivilegedExecution {
   }
 };
 
-TEST(ProcessName, IsAPatternForTheNamesOfWhatRuns) {
+TEST(ProcessName, IsAPatternForTheNamesOfWhatRunsAndClassicIsFoundByTheNameThatListingsCut) {
+  using namespace std::string_view_literals;
   const Turn turn;
-  TemporaryFolder folder;
+  const TemporaryFolder folder;
+  EXPECT_FALSE(Utilities::isClassicRunning());
   const NamedSleeper sleeper(folder, "Zq7XTension-V\u00E9");
+  const NamedSleeper classic(folder, "TruBlueEnvironment");
   // Tools would cut names and not know their letters.
   ::setenv("COLUMNS", "9", 1), ::setenv("LC_ALL", "C", 1);
-  struct Row {
+  const struct {
     const char* name;
     std::optional<std::string_view> pattern;
     bool runs;
-  };
-  using namespace std::string_view_literals;
-  const Row rows[] = {
+  } kRows[] = {
       {"absent", std::nullopt, false},
       {"empty", "", false},
       {"its name", "Zq7XTension-V\u00E9", true},
@@ -66,11 +67,11 @@ TEST(ProcessName, IsAPatternForTheNamesOfWhatRuns) {
       {"broken pattern", "Zq7[", false},
       {"NUL that would leave the pattern for everything", "\0Zq8"sv, false},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : kRows) {
     SCOPED_TRACE(row.name);
     EXPECT_EQ(Utilities::isProcessNameRunning(row.pattern), row.runs);
   }
-  EXPECT_TRUE(Utilities::isXTensionRunning());
+  EXPECT_TRUE(Utilities::isXTensionRunning() && Utilities::isClassicRunning());
   ::unsetenv("COLUMNS"), ::unsetenv("LC_ALL");
 }
 
@@ -81,31 +82,22 @@ TEST(ProcessName, WhatCannotBeAskedIsLoggedAndFalse) {
   EXPECT_EQ(log.messages()[0].find("+ [ Utilities isProcessNameRunning ] got an exception: /usr/bin/grep"), 0U);
 }
 
-TEST(Classic, IsFoundByTheNameThatListingsCut) {
-  const Turn turn;
-  TemporaryFolder folder;
-  EXPECT_FALSE(Utilities::isClassicRunning());
-  const NamedSleeper sleeper(folder, "TruBlueEnvironment");
-  EXPECT_TRUE(Utilities::isClassicRunning());
-}
-
 // One test, since agents are found wherever they were started.
 TEST(Agents, AreFoundWithTheirUserAndAForeignOneIsMadeToQuit) {
-  TemporaryFolder folder;
+  const TemporaryFolder folder;
   {
     const CapturedLog log;
     const NamedSleeper own(folder, "MarlowAgent");
     const platform::Value::List agents = Utilities::runningAgentsInfo();
-    ASSERT_EQ(agents.size(), 1U);
-    EXPECT_EQ(agents[0].find("pid")->integerValue(), own.process());
-    EXPECT_EQ(agents[0].find("uid")->integerValue(), ::geteuid());
-    EXPECT_EQ(*agents[0].find("username")->text(), ::getpwuid(::geteuid())->pw_name);
+    const std::string user = ::getpwuid(::geteuid())->pw_name;
+    const int pid = own.process(), uid = static_cast<int>(::geteuid());
+    EXPECT_EQ(agents,
+              (platform::Value::List{platform::Value::Dictionary{{"pid", pid}, {"uid", uid}, {"username", user}}}));
     EXPECT_FALSE(Utilities::processInfoOfForeignAgent());
-    const std::string pid = std::to_string(own.process()), uid = std::to_string(::geteuid());
-    const std::string user = *agents[0].find("username")->text();
-    EXPECT_EQ(runTool({"agents"}).output, "process " + pid + " of " + user + " (" + uid + ")\n");
+    const std::string pidText = std::to_string(pid), uidText = std::to_string(uid);
+    EXPECT_EQ(runTool({"agents"}).output, "process " + pidText + " of " + user + " (" + uidText + ")\n");
     EXPECT_EQ(runTool({"agents", "--json"}).output,
-              "{\"foreign\":false,\"pid\":" + pid + ",\"uid\":" + uid + ",\"username\":\"" + user + "\"}\n");
+              R"({"foreign":false,"pid":)" + pidText + R"(,"uid":)" + uidText + R"(,"username":")" + user + "\"}\n");
     Authorization unasked;
     EXPECT_EQ(Utilities::quitForeignAgent(&unasked), 0);
     EXPECT_EQ(unasked.asked + (log.messages().empty() ? "" : log.messages()[0]), "");
@@ -113,30 +105,27 @@ TEST(Agents, AreFoundWithTheirUserAndAForeignOneIsMadeToQuit) {
   if (::geteuid() != 0) {
     GTEST_SKIP() << "only the administrator can start an agent of somebody else";
   }
-  struct Row {
+  const auto quitLater = [](NamedSleeper& agent) {
+    platform::RunLoop::current().addTimer(milliseconds(200), [&](platform::Timer& timer) {
+      timer.invalidate();
+      ::kill(agent.process(), SIGINT);
+    });
+    return 0;
+  };
+  const struct {
     const char* name;
     std::function<std::int32_t(NamedSleeper&)> answer;  // null: the library's own way
     std::int32_t status;
     int endingSignal;
     std::size_t messages;
-  };
-  const auto quit = [](NamedSleeper& agent) { return ::kill(agent.process(), SIGINT); };
-  const Row rows[] = {
+  } kRows[] = {
       {"refused", [](NamedSleeper&) { return PrivilegedExecution::kRefused; }, -60031, 0, 1},
       {"throws", [](NamedSleeper&) -> std::int32_t { throw 1; }, -60032, 0, 2},
-      {"agent quits after a while",
-       [&](NamedSleeper& agent) {
-         platform::RunLoop::current().addTimer(milliseconds(200), [&](platform::Timer& timer) {
-           timer.invalidate();
-           quit(agent);
-         });
-         return 0;
-       },
-       0, SIGINT, 1},
+      {"agent quits after a while", quitLater, 0, SIGINT, 1},
       {"the library's own way", nullptr, 0, SIGTERM, 1},
       {"agent stays", [](NamedSleeper&) { return 0; }, -34, 0, 2},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : kRows) {
     SCOPED_TRACE(row.name);
     const CapturedLog log;
     NamedSleeper agent(folder, "MarlowAgent", kNobody);
@@ -157,12 +146,11 @@ TEST(Agents, AreFoundWithTheirUserAndAForeignOneIsMadeToQuit) {
 TEST(MarlowUser, IsNamedByTheProgramsArguments) {
   const passwd* const self = ::getpwuid(::geteuid());
   const std::string own = std::string(self->pw_name) + " " + std::to_string(self->pw_uid) + "\n";
-  struct Row {
+  const struct {
     const char* name;
     std::vector<std::string> arguments;
     std::string printed;
-  };
-  const Row rows[] = {
+  } kRows[] = {
       {"no arguments", {}, own},
       {"a user", {"-x", "-user", "nobody"}, "nobody 65534\n"},
       {"nobody behind it", {"-user"}, own},
@@ -170,7 +158,7 @@ TEST(MarlowUser, IsNamedByTheProgramsArguments) {
       {"unknown user", {"-user", "no such user"}, "no such user 0\n"},
       {"one that is an option of id", {"-user", "--version"}, "--version 0\n"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : kRows) {
     SCOPED_TRACE(row.name);
     std::optional<std::string> printed;
     const SimpleTask task({.launchPath = PROGRAM_FOLDER "/marlow_user",
