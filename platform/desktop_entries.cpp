@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
+#include <utility>
 
 #include "platform/text.h"
 #include "platform/text_parts.h"
@@ -13,25 +15,37 @@ namespace {
 constexpr std::size_t kMaximumParts = 256;
 constexpr std::string_view kEntryGroup = "Desktop Entry";
 
-// Programs that run or show what their arguments name: interpreters, launchers and terminals, without the digits of a
-// version at the end. Sorted.
+// The values of an entry that count, as they stand in the file; empty for absent ones.
+struct EntryValues {
+  std::string_view categories, exec, hidden, mimeType, name, terminal, tryExec, type;
+};
+constexpr std::pair<std::string_view, std::string_view EntryValues::*> kEntryKeys[] = {
+    {"Categories", &EntryValues::categories}, {"Exec", &EntryValues::exec}, {"Hidden", &EntryValues::hidden},
+    {"MimeType", &EntryValues::mimeType},     {"Name", &EntryValues::name}, {"Terminal", &EntryValues::terminal},
+    {"TryExec", &EntryValues::tryExec},       {"Type", &EntryValues::type},
+};
+
+// Programs that run what their arguments name, and those that run or show it but are programs of the user's as well:
+// terminals and openers. Without the digits of a version at the end; sorted.
 // clang-format off
-constexpr auto kStarters = std::to_array<std::string_view>({
-  "Rscript", "alacritty", "awk", "bash", "busybox", "bwrap", "chrt", "cool-retro-term", "csh", "dart", "dash",
-  "dbus-launch", "dbus-run-session", "deepin-terminal", "deno", "distrobox", "doas", "dotnet", "electron", "env",
-  "exo-open", "expect", "firejail", "fish", "flatpak", "foot", "footclient", "gawk", "gio", "gjs", "gjs-console",
-  "gksu", "gksudo", "gnome-console", "gnome-open", "gnome-terminal", "gtk-launch", "guake", "guile", "gvfs-open",
-  "ionice", "java", "julia", "kde-open", "kdesu", "kdesudo", "kfmclient", "kgx", "kioclient", "kitty", "konsole",
-  "ksh", "lua", "luajit", "lxterm", "lxterminal", "mate-open", "mate-terminal", "mawk", "mksh", "mono", "nice",
-  "node", "nodejs", "nohup", "open", "perl", "php", "pkexec", "prime-run", "ptyxis", "pypy", "python", "qml",
-  "qmlscene", "qterminal", "ruby", "runuser", "rxvt", "screen", "setpriv", "setsid", "sh", "snap", "ssh", "st",
-  "stdbuf", "strace", "su", "sudo", "systemd-inhibit", "systemd-run", "taskset", "tclsh", "tcsh", "terminator",
-  "terminology", "tilda", "tilix", "time", "timeout", "tmux", "toolbox", "unshare", "urxvt", "uxterm", "wezterm",
-  "wine", "wine-stable", "wish", "x-terminal-emulator", "x-www-browser", "xargs", "xdg-open", "xfce4-terminal",
-  "xterm", "xvfb-run", "yakuake", "zsh",
+constexpr auto kRunners = std::to_array<std::string_view>({
+  "Rscript", "awk", "bash", "busybox", "bwrap", "chrt", "csh", "dart", "dash", "dbus-launch", "dbus-run-session",
+  "deno", "distrobox", "doas", "dotnet", "electron", "env", "expect", "firejail", "fish", "flatpak", "gawk", "gjs",
+  "gjs-console", "gksu", "gksudo", "gtk-launch", "guile", "ionice", "java", "julia", "kdesu", "kdesudo", "ksh", "lua",
+  "luajit", "mawk", "mksh", "mono", "nice", "node", "nodejs", "nohup", "perl", "php", "pkexec", "prime-run", "pypy",
+  "python", "qml", "qmlscene", "ruby", "runuser", "setpriv", "setsid", "sh", "snap", "ssh", "stdbuf", "strace", "su",
+  "sudo", "systemd-inhibit", "systemd-run", "taskset", "tclsh", "tcsh", "time", "timeout", "toolbox", "unshare", "wine",
+  "wine-stable", "wish", "xargs", "xvfb-run", "zsh",
+});
+constexpr auto kShowers = std::to_array<std::string_view>({
+  "alacritty", "cool-retro-term", "deepin-terminal", "exo-open", "foot", "footclient", "gio", "gnome-console",
+  "gnome-open", "gnome-terminal", "guake", "gvfs-open", "kde-open", "kfmclient", "kgx", "kioclient", "kitty", "konsole",
+  "lxterm", "lxterminal", "mate-open", "mate-terminal", "open", "ptyxis", "qterminal", "rxvt", "screen", "st",
+  "terminator", "terminology", "tilda", "tilix", "tmux", "urxvt", "uxterm", "wezterm", "x-terminal-emulator",
+  "x-www-browser", "xdg-open", "xfce4-terminal", "xterm", "yakuake",
 });
 // clang-format on
-static_assert(std::ranges::is_sorted(kStarters));
+static_assert(std::ranges::is_sorted(kRunners) && std::ranges::is_sorted(kShowers));
 
 // The text that a value with escapes stands for: \s \n \t \r \\. Others are left for the reader of Exec.
 std::string unescaped(std::string_view value) {
@@ -83,9 +97,9 @@ std::string_view nameOfProgram(std::string_view path) {
   return path.substr(path.rfind('/') + 1);
 }
 
-bool isStarter(std::string_view program) {
+bool isAmong(std::span<const std::string_view> programs, std::string_view program) {
   const std::string_view name = nameOfProgram(program);
-  return std::ranges::binary_search(kStarters, name.substr(0, name.find_last_not_of("0123456789.-") + 1));
+  return std::ranges::binary_search(programs, name.substr(0, name.find_last_not_of("0123456789.-") + 1));
 }
 
 // Whether a word that is no option stands before the first field code, such as the script that an interpreter runs.
@@ -97,33 +111,41 @@ bool hasFixedArgument(std::string_view arguments) {
   return word && !word->empty();  // Nothing else is left of a field code.
 }
 
-// What a command starts; empty where that is not told.
-std::string programOfCommand(std::string_view command) {
+// Takes the program that a command starts off its front. Absent where that is not told.
+std::optional<std::string> takeProgram(std::string_view& command) {
   std::optional<std::string> word = takeWord(command);
   if (word && nameOfProgram(*word) == "env") {
     do {
       word = takeWord(command);
-    } while (word && word->find('=') != std::string::npos);
+    } while (word && !word->starts_with('-') && word->find('=') != std::string::npos);
   }
-  const bool isTold = word && !word->starts_with('-') && word->find('\0') == std::string::npos && !isStarter(*word) &&
-                      !hasFixedArgument(command);
-  return isTold ? *word : std::string();
+  const bool isTold = word && !word->empty() && !word->starts_with('-') && word->find('\0') == std::string::npos &&
+                      !isAmong(kRunners, *word);
+  return isTold ? word : std::nullopt;
+}
+
+// Calls `use` with each key and value of `group`, without the blanks around them.
+template <typename Use>
+void forEachKey(std::string_view file, std::string_view group, const Use& use) {
+  for (bool isInGroup = false; !file.empty();) {
+    const std::string_view line = trimmed(takePart(file, '\n'));
+    if (line.starts_with('[') && line.ends_with(']')) {
+      isInGroup = line.substr(1, line.size() - 2) == group;
+    } else if (const std::size_t equals = line.find('='); isInGroup && equals != std::string_view::npos) {
+      use(trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
+    }
+  }
 }
 
 }  // namespace
 
 std::optional<std::string_view> valueInKeyFile(std::string_view file, std::string_view group, std::string_view key) {
   std::optional<std::string_view> value;
-  for (bool isInGroup = false; !file.empty();) {
-    const std::string_view line = trimmed(takePart(file, '\n'));
-    if (line.starts_with('[') && line.ends_with(']')) {
-      isInGroup = line.substr(1, line.size() - 2) == group;
-    } else if (const std::size_t equals = line.find('='); isInGroup && equals != std::string_view::npos) {
-      if (trimmed(line.substr(0, equals)) == key) {
-        value = trimmed(line.substr(equals + 1));
-      }
+  forEachKey(file, group, [&](std::string_view keyInFile, std::string_view valueInFile) {
+    if (keyInFile == key) {
+      value = valueInFile;
     }
-  }
+  });
   return value;
 }
 
@@ -138,23 +160,37 @@ std::vector<std::string_view> partsOfList(std::optional<std::string_view> value)
 }
 
 std::optional<DesktopEntry> parseDesktopEntry(std::string_view file) {
-  const auto value = [file](std::string_view key) { return valueInKeyFile(file, kEntryGroup, key); };
-  if (value("Type") != "Application" || value("Hidden") == "true") {
+  EntryValues values;
+  forEachKey(file, kEntryGroup, [&values](std::string_view key, std::string_view value) {
+    for (const auto& [name, place] : kEntryKeys) {
+      if (key == name) {
+        values.*place = value;
+      }
+    }
+  });
+  if (values.type != "Application" || values.hidden == "true") {
+    return std::nullopt;
+  }
+  const std::string command = unescaped(values.exec);
+  std::string_view arguments = command;
+  std::optional<std::string> program = takeProgram(arguments);
+  const bool isShower = program && isAmong(kShowers, *program);
+  const bool hasOwnWord = hasFixedArgument(arguments);
+  if (!program || (isShower && hasOwnWord)) {
     return std::nullopt;
   }
   DesktopEntry entry;
-  entry.program = programOfCommand(unescaped(value("Exec").value_or("")));
-  if (entry.program.empty()) {
-    return std::nullopt;
-  }
-  entry.neededProgram = unescaped(value("TryExec").value_or(""));
-  for (const std::string_view type : partsOfList(value("MimeType"))) {
+  entry.program = *std::move(program);
+  entry.opensItself = !isShower && !hasOwnWord;
+  entry.name = unescaped(values.name);
+  entry.neededProgram = unescaped(values.tryExec);
+  for (const std::string_view type : partsOfList(values.mimeType)) {
     entry.types.emplace_back(type);
   }
-  entry.isEditor = std::ranges::any_of(partsOfList(value("Categories")), [](std::string_view category) {
+  entry.isEditor = std::ranges::any_of(partsOfList(values.categories), [](std::string_view category) {
     return category == "TextEditor" || category == "IDE";
   });
-  entry.needsTerminal = value("Terminal") == "true";
+  entry.needsTerminal = values.terminal == "true";
   return entry;
 }
 

@@ -8,8 +8,8 @@
 
 namespace SharedClasses::platform {
 
-// Where messages go. `write` is called on the thread that logs, without a lock held; what it throws is dropped, and what
-// it logs itself goes to the system's log, so that a sink cannot call itself without end.
+// Where messages go. `write` is called on the thread that logs, without a lock held; what it throws is dropped, and
+// what it logs itself goes to the system's log, so that a sink cannot call itself without end.
 class LogSink {
  public:
   LogSink() = default;
@@ -20,11 +20,12 @@ class LogSink {
   virtual void write(std::string_view message) = 0;
 };
 
-// Writes `message`. It is never read as a format, so it may hold texts from outside.
+// Writes `message`. It is never read as a format, so it may hold texts from outside. The system's log cuts it after a
+// mebibyte; a sink gets it whole.
 void log(std::string_view message) noexcept;
 
-// Sends later messages to `sink`; a null one means the system's log again. Returns the sink in place before, so that it can
-// be put back; null for the system's log.
+// Sends later messages to `sink`; a null one means the system's log again. Returns the sink in place before, so that
+// it can be put back; null for the system's log.
 std::shared_ptr<LogSink> setLogSink(std::shared_ptr<LogSink> sink);
 
 }  // namespace SharedClasses::platform

@@ -19,31 +19,33 @@ namespace {
 constexpr double kWaitLimit = 4.0;         // seconds
 constexpr const char* kLookupLimit = "3";  // seconds; sooner, so that the tool is not left running
 
-// The host of a web address: "http://user@host:80/path", "https://[::1]/". Empty where there is none.
-std::string_view hostOfURL(std::string_view url) {
+// The host of a web address: "http://user@host:80/path", "https://[fe80::1%25eth0]/". Empty where there is none.
+std::string hostOfURL(std::string_view url) {
   if (!SafeURLConnection::isWebAddress(url)) {
     return {};
   }
   url.remove_prefix(url.find("://") + 3);
+  url.remove_prefix(url.starts_with('/') ? 1 : 0);  // as curl does
   url = url.substr(0, url.find_first_of("/?#"));
   url.remove_prefix(url.rfind('@') + 1);  // npos, the largest, becomes 0
   if (!url.starts_with('[')) {
-    return url.substr(0, url.find(':'));
+    return std::string(url.substr(0, url.find(':')));
   }
   const std::size_t end = url.find(']');
-  return end == std::string_view::npos ? std::string_view() : url.substr(1, end - 1);
+  std::string host(end == url.npos ? "" : url.substr(1, end - 1));
+  const std::size_t zone = host.find("%25");
+  return zone == host.npos ? host : host.erase(zone + 1, 2);
 }
 
 // One line for each address: "192.0.2.1  STREAM host.example". Empty when there is none or it did not come in time.
-std::string addressListOfHost(std::string_view host) {
+std::string addressListOfHost(const std::string& host) {
   std::optional<std::string> output;
   static_cast<void>(platform::nameOfThrown([&] {
-    const SimpleTask task(
-        {.launchPath = "/usr/bin/timeout",
-         .arguments = std::vector<std::string>{kLookupLimit, "/usr/bin/getent", "--", "ahosts", std::string(host)},
-         .outputText = &output,
-         .maxSecondsToWait = kWaitLimit,
-         .environmentChanges = {{"LC_ALL", "C.UTF-8"}}});
+    const SimpleTask task({.launchPath = "/usr/bin/timeout",
+                           .arguments = std::vector<std::string>{kLookupLimit, "/usr/bin/getent", "--", "ahosts", host},
+                           .outputText = &output,
+                           .maxSecondsToWait = kWaitLimit,
+                           .environmentChanges = {{"LC_ALL", "C.UTF-8"}}});
   }));
   return output.value_or("");
 }
@@ -51,7 +53,7 @@ std::string addressListOfHost(std::string_view host) {
 }  // namespace
 
 bool hasNetworkConnection() {
-  const std::string_view host = hostOfURL(viewOfString("keyLatestVersionURL"));
+  const std::string host = hostOfURL(viewOfString("keyLatestVersionURL"));
   if (host.empty()) {
     return false;
   }

@@ -69,7 +69,7 @@ void URLFetcher::connectionDidFinishLoading(SafeURLConnection& /*connection*/) {
   mDone = true;
 }
 
-// No wake-up comes first: the loop of the thread that calls is awake, and the wake-up would be all that the first pass finds.
+// No wake-up comes first: the loop of the thread that calls is awake, and the first pass would find nothing but that.
 void URLFetcher::waitUntilDone() const {
   const platform::Clock& clock = platform::Clock::system();
   const nanoseconds deadline = platform::timeAfter(clock.steadyTime(), platform::spanOfSeconds(mTimeoutSecs));

@@ -1,6 +1,6 @@
 // One fetch of a small document over HTTP, with its result.
-// For one thread, whose run loop is served while the fetch waits; the fetcher must outlive that. A fetcher is for one fetch;
-// starting another drops what the first one left.
+// For one thread, whose run loop is served while the fetch waits; the fetcher must outlive that. A fetcher is for one
+// fetch; starting another drops what the first one left.
 #pragma once
 
 #include <cstdint>
@@ -32,20 +32,21 @@ class URLFetcher : public URLConnectionDelegate {
   URLFetcher() = default;
 
   // `startURLRequest:withTimeout:to:asyncWanted:`
-  // Fetches the document and returns the result code. SafeURLConnection says what is fetched and what fails; a failure is
-  // logged.
-  // Kept: the fetch is finished when this returns, asynchronous or not, and takes up to 4 seconds whatever the timeout; the
-  // run loop is served meanwhile. The timeout only bounds a wait for the end that comes after it and looks into the run loop
-  // at least once; there is none when asynchronous. Where the end never comes, as with callbacks overridden, the result is
-  // then kFinished and done() false.
+  // Fetches the document and returns the result code. SafeURLConnection says what is fetched and what fails; a failure
+  // is logged.
+  // Kept: the fetch is finished when this returns, asynchronous or not, and takes up to 4 seconds whatever the timeout;
+  // the run loop is served meanwhile. The timeout only bounds a wait for the end that comes after it and looks into the
+  // run loop at least once; there is none when asynchronous. Where the end never comes, as with callbacks overridden,
+  // the result is then kFinished and done() false.
   std::int32_t startURLRequest(const URLRequestArguments& arguments);
 
   // Whether the fetch has finished, well or badly; false before it.
   [[nodiscard]] bool done() const { return mDone; }
   // kFinished also before the fetch.
   [[nodiscard]] std::int32_t resultCode() const { return mResultCode; }
-  // The bytes received; null before the fetch and after a failure that the connection reported. Empty is a success. After
-  // kNoConnection it is what had come by then, mostly empty. Valid until the next callback or start, or the fetcher's end.
+  // The bytes received; null before the fetch and after a failure that the connection reported. Empty is a success.
+  // After kNoConnection it is what had come by then, mostly empty. Valid until the next callback or start, or the
+  // fetcher's end.
   [[nodiscard]] const std::vector<std::uint8_t>* contentReturned() const {
     return mReceivedData ? &*mReceivedData : nullptr;
   }

@@ -23,10 +23,10 @@ struct VersionDocument {
 
 // Reads an XML property list, a dictionary of the entries "release", "update" and "test"; all of them are empty for any
 // other text. An entry that is no dictionary counts as missing. Each entry receives its "type" for display. Of what the
-// server marks as not on offer, by the word "placeholder", the cost of the release, and the description and the address of
-// the test build become empty texts.
+// server marks as not on offer, by the word "placeholder", the cost of the release, and the description and the address
+// of the test build become empty texts.
 // Kept: a test build whose version is a placeholder keeps it and gets the text "version" under the empty key. Plain
-// "placeholder" reads as 0.0.a0, older than whatever is released; with a number in front, as in "2.placeholder", that counts.
+// "placeholder" reads as 0.0.a0, older than whatever is released; a number in front, as in "2.placeholder", counts.
 [[nodiscard]] VersionDocument versionDocumentFromText(std::string_view text);
 
 // Entries that are newer than a version.
@@ -36,8 +36,9 @@ struct NewerVersions {
 };
 
 // The entries of `document` newer than `own`: the update, then the release where it is another version than the update,
-// then the test build where it is newer than both. An entry without a text as its "version" counts as 0.0: even an empty
-// one of the document, which has its type, is listed for an own 0.0b1. One that the document lacks is never listed.
+// then the test build where it is newer than both. An entry without a text as its "version" counts as 0.0: even an
+// empty one of the document, which has its type, is listed for an own 0.0b1. One that the document lacks is never
+// listed, but counts as 0.0 where others are compared with it.
 [[nodiscard]] NewerVersions newerVersionsOf(const VersionDocument& document, const VersionStruct& own);
 
 }  // namespace SharedClasses

@@ -67,11 +67,12 @@ struct Schedule {
     return std::isnan(number) ? 0.0 : number;
   }
 
-  // The default where nothing is stored, or a word: nobody means to ask every second by that.
+  // The default where nothing is stored, a word or a boolean: nobody means to ask every second by that.
   static double intervalIn(const platform::SettingsStore& settings) {
     const Value stored = Preferences::valueInStore(settings, kPrefKeyVersionCheckInterval);
-    const bool isGiven = stored.isNumber() || Preferences::integerOf(stored) > 0;
-    return numberOf(isGiven ? stored : Preferences::defaultValue(kPrefKeyVersionCheckInterval));
+    const bool isNumber = stored.isNumber() && stored.type() != Value::Type::Boolean;
+    const bool isText = stored.text() != nullptr && Preferences::integerOf(stored) > 0;
+    return numberOf(isNumber || isText ? stored : Preferences::defaultValue(kPrefKeyVersionCheckInterval));
   }
 };
 

@@ -50,7 +50,8 @@ OwnedVersionStruct newVersion() {
   return OwnedVersionStruct(block == nullptr ? nullptr : new (block) VersionStruct{});
 }
 
-// `value` without quotes of either kind around the whole of it and, of double ones, the backslashes that protect.
+// `value`; where a quote of either kind stands in front, what stands up to its like, or to the end where that is
+// missing, and in double quotes without the backslashes that protect.
 std::string unquoted(std::string_view value) {
   const char quote = value.starts_with('"') || value.starts_with('\'') ? value.front() : '\0';
   if (quote == '\0') {

@@ -1,6 +1,7 @@
 #include "wording/formatting.h"
 
 #include <stdexcept>
+#include <utility>
 
 #include "platform/clock.h"
 #include "platform/gregorian.h"
@@ -114,14 +115,25 @@ bool isUsable(std::string_view format) {
          format.find_first_of(kDateAndZoneLetters) == std::string_view::npos;
 }
 
-TimeFormat storedTimeFormat() {
+// The stored format that times can be written with; its pattern is empty where there is none.
+TimeFormat usableStoredFormat() {
   constexpr std::string_view kOlderKey = "NSTimeFormatString";
+  constexpr std::string_view kSeconds = ":%S";
   const auto store = SettingsStore::standard();
   TimeFormat format = formatIn(*store, kFormatSettings[0]);
   if (format.pattern.empty()) {
     format = {textOf(store->value(kOlderKey)), std::string(kOlderKey)};
   }
-  return format;
+  if (const std::size_t at = format.pattern.find(kSeconds); at != std::string::npos) {
+    format.pattern.erase(at, kSeconds.size());
+  }
+  return isUsable(format.pattern) ? format : TimeFormat();
+}
+
+// The plain format of the same style, with the same source.
+TimeFormat plainFormatLike(TimeFormat preferred) {
+  preferred.pattern = means12Hours(preferred.pattern) ? kTwelveHourFormat : "2H:mm";  // Kept: the 2 is a width.
+  return preferred;
 }
 
 }  // namespace
@@ -140,7 +152,8 @@ std::string abbreviateSize(std::uint64_t size) {
 }
 
 std::string daysOfWeekAsString(std::int32_t days) {
-  const std::string_view letters = viewOfString("keyDaysOfWeek");
+  constexpr std::int32_t kAllDays = 127;
+  const std::string_view letters = (days & kAllDays) != 0 ? viewOfString("keyDaysOfWeek") : std::string_view();
   platform::CodePoints::Iterator letter = platform::CodePoints(letters).begin();
   const platform::CodePoints::Iterator end = platform::CodePoints(letters).end();
   std::string text;
@@ -189,16 +202,15 @@ bool userPrefers12HourClock() {
 }
 
 TimeFormat chosenTimeFormat() {
-  constexpr std::string_view kSeconds = ":%S";
-  TimeFormat format = storedTimeFormat();
-  if (const std::size_t at = format.pattern.find(kSeconds); at != std::string::npos) {
-    format.pattern.erase(at, kSeconds.size());
-  }
-  if (!isUsable(format.pattern)) {
-    format = preferredTimeFormat();
-    format.pattern = means12Hours(format.pattern) ? kTwelveHourFormat : "2H:mm";  // Kept: the 2 is a width.
-  }
-  return format;
+  TimeFormat format = usableStoredFormat();
+  return format.pattern.empty() ? plainFormatLike(preferredTimeFormat()) : format;
+}
+
+TimeStyle chosenTimeStyle() {
+  TimeFormat format = usableStoredFormat();
+  TimeFormat preferred = preferredTimeFormat();
+  const bool has12HourClock = means12Hours(preferred.pattern);
+  return {format.pattern.empty() ? plainFormatLike(std::move(preferred)) : std::move(format), has12HourClock};
 }
 
 std::string formattedTimeWithHourAndMinute(std::int32_t hour, std::int32_t minute) {

@@ -17,7 +17,7 @@
 #include <utility>
 
 #include "platform/clock.h"
-#include "platform/linux/descriptor.h"
+#include "platform/linux/file_descriptor.h"
 #include "platform/linux/time_spans.h"
 
 // The C library forgets to say that these are C.
@@ -43,7 +43,7 @@ std::string textOf(int error) {
 // the child that had it.
 struct Child {
   pid_t processID = 0;
-  Descriptor descriptor;
+  FileDescriptor descriptor;
 
   // Absent while it runs; then its status, or kNoStatus where somebody else has taken its end.
   [[nodiscard]] std::optional<std::int32_t> reap() const {
@@ -87,23 +87,23 @@ class Abandoned {
 };
 
 struct Pipe {
-  Descriptor readEnd;
-  Descriptor writeEnd;
+  FileDescriptor readEnd;
+  FileDescriptor writeEnd;
 };
 
 // `descriptor` by a number that is no standard stream's: a host may have closed its own.
-Descriptor awayFromStandardStreams(Descriptor descriptor) {
+FileDescriptor awayFromStandardStreams(FileDescriptor descriptor) {
   if (!descriptor.isOpen() || descriptor.get() >= kFirstFreeDescriptor) {
     return descriptor;
   }
-  return Descriptor(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, kFirstFreeDescriptor));
+  return FileDescriptor(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, kFirstFreeDescriptor));
 }
 
 Pipe makePipe(const std::string& path) {
   std::array<int, 2> ends{-1, -1};
   const int result = ::pipe2(ends.data(), O_CLOEXEC);
   const int error = errno;
-  Pipe pipe{awayFromStandardStreams(Descriptor(ends[0])), awayFromStandardStreams(Descriptor(ends[1]))};
+  Pipe pipe{awayFromStandardStreams(FileDescriptor(ends[0])), awayFromStandardStreams(FileDescriptor(ends[1]))};
   if (result != 0 || !pipe.readEnd.isOpen() || !pipe.writeEnd.isOpen()) {
     throw LaunchError(path, textOf(result != 0 ? error : errno));
   }
@@ -111,14 +111,14 @@ Pipe makePipe(const std::string& path) {
   return pipe;
 }
 
-void setNonBlocking(const Descriptor& descriptor) {
+void setNonBlocking(const FileDescriptor& descriptor) {
   ::fcntl(descriptor.get(), F_SETFL, ::fcntl(descriptor.get(), F_GETFL) | O_NONBLOCK);
 }
 
 // What posix_spawn is told to do in the child.
 class SpawnSetup {
  public:
-  SpawnSetup(const Descriptor& input, const Descriptor& output, const Descriptor& error) {
+  SpawnSetup(const FileDescriptor& input, const FileDescriptor& output, const FileDescriptor& error) {
     ::posix_spawn_file_actions_init(&mActions);
     ::posix_spawnattr_init(&mAttributes);
     note(::posix_spawn_file_actions_adddup2(&mActions, input.get(), STDIN_FILENO));
@@ -242,11 +242,11 @@ class ChildProcess::System {
         error != 0) {
       throw LaunchError(path, textOf(error));
     }
-    mChild.descriptor = awayFromStandardStreams(Descriptor(::pidfd_open(mChild.processID, 0)));
+    mChild.descriptor = awayFromStandardStreams(FileDescriptor(::pidfd_open(mChild.processID, 0)));
     mInput = std::move(inputPipe.writeEnd);
     mOutput = std::move(outputPipe.readEnd);
     mError = std::move(errorPipe.readEnd);
-    for (const Descriptor* end : {&mInput, &mOutput, &mError}) {
+    for (const FileDescriptor* end : {&mInput, &mOutput, &mError}) {
       setNonBlocking(*end);
     }
   }
@@ -268,9 +268,9 @@ class ChildProcess::System {
 
   Child mChild;
   std::optional<std::int32_t> mStatus;  // absent until it was seen to have ended
-  Descriptor mInput;
-  Descriptor mOutput;
-  Descriptor mError;
+  FileDescriptor mInput;
+  FileDescriptor mOutput;
+  FileDescriptor mError;
 };
 
 ChildProcess::ChildProcess(const std::string& path, const std::vector<std::string>& arguments,

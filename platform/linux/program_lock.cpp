@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "platform/files.h"
-#include "platform/linux/descriptor.h"
+#include "platform/linux/file_descriptor.h"
 #include "platform/log.h"
 #include "platform/text.h"
 
@@ -63,32 +63,32 @@ struct flock wholeFile(short kind) {
   return lock;
 }
 
-Descriptor openForReading(const std::string& path) {
-  return Descriptor(::open(path.c_str(), kOpenFlags));
+FileDescriptor openForReading(const std::string& path) {
+  return FileDescriptor(::open(path.c_str(), kOpenFlags));
 }
 
 // Every holder takes a shared lock, for which a file that another user made need only be readable. Such a file is opened
 // without O_CREAT: in a folder that everybody may write the system refuses that for files of others.
-Descriptor openOrMake(const LockFile& file) {
-  if (Descriptor existing = openForReading(file.path); existing.isOpen()) {
+FileDescriptor openOrMake(const LockFile& file) {
+  if (FileDescriptor existing = openForReading(file.path); existing.isOpen()) {
     return existing;
   }
-  if (Descriptor made(::open(file.path.c_str(), kOpenFlags | O_CREAT, file.mode)); made.isOpen()) {
+  if (FileDescriptor made(::open(file.path.c_str(), kOpenFlags | O_CREAT, file.mode)); made.isOpen()) {
     ::fchmod(made.get(), file.mode);  // whatever our mask: others could not tell whether an unreadable file is locked
     return made;
   }
   // Another user's program may just have made it, and not yet have given it its mode.
   for (int attempt = 0; errno == EACCES && attempt < kAttempts; ++attempt) {
     std::this_thread::sleep_for(kAttemptStep);
-    if (Descriptor others = openForReading(file.path); others.isOpen()) {
+    if (FileDescriptor others = openForReading(file.path); others.isOpen()) {
       return others;
     }
   }
   return {};
 }
 
-Descriptor takeLock(const LockFile& file) {
-  Descriptor descriptor = openOrMake(file);
+FileDescriptor takeLock(const LockFile& file) {
+  FileDescriptor descriptor = openOrMake(file);
   struct flock lock = wholeFile(F_RDLCK);
   if (descriptor.isOpen() && ::fcntl(descriptor.get(), F_OFD_SETLK, &lock) != 0) {
     descriptor.reset();
@@ -97,7 +97,7 @@ Descriptor takeLock(const LockFile& file) {
 }
 
 bool isLocked(const LockFile& file) {
-  const Descriptor descriptor = openForReading(file.path);
+  const FileDescriptor descriptor = openForReading(file.path);
   if (!descriptor.isOpen()) {
     return errno != ENOENT;
   }
@@ -108,7 +108,7 @@ bool isLocked(const LockFile& file) {
 // Never destroyed: the locks end with the process.
 struct HeldLocks {
   std::mutex mutex;
-  std::map<std::string, std::vector<Descriptor>> byName;
+  std::map<std::string, std::vector<FileDescriptor>> byName;
 };
 HeldLocks& heldLocks() {
   static auto* const sHeld = new HeldLocks;
@@ -119,13 +119,13 @@ HeldLocks& heldLocks() {
 
 bool holdProgramLock(const std::string& name) {
   const std::lock_guard guard(heldLocks().mutex);
-  std::vector<Descriptor>& held = heldLocks().byName[name];
+  std::vector<FileDescriptor>& held = heldLocks().byName[name];
   if (!held.empty()) {
     return true;
   }
   std::string refused;
   for (const LockFile& file : lockFiles(name)) {
-    if (Descriptor descriptor = takeLock(file); descriptor.isOpen()) {
+    if (FileDescriptor descriptor = takeLock(file); descriptor.isOpen()) {
       held.push_back(std::move(descriptor));
     } else {
       refused = file.path;

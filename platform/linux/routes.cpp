@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "platform/linux/descriptor.h"
+#include "platform/linux/file_descriptor.h"
 
 namespace SharedClasses::platform {
 
@@ -19,7 +19,7 @@ bool hasRoute(const std::string& address) {
     return false;
   }
   const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(found, &::freeaddrinfo);
-  const Descriptor socket(::socket(found->ai_family, found->ai_socktype | SOCK_CLOEXEC, 0));
+  const FileDescriptor socket(::socket(found->ai_family, found->ai_socktype | SOCK_CLOEXEC, 0));
   // Joining a datagram socket to an address looks the route up and does no more.
   return socket.isOpen() && ::connect(socket.get(), found->ai_addr, found->ai_addrlen) == 0;
 }

@@ -17,7 +17,7 @@
 #include <utility>
 
 #include "platform/exceptions.h"
-#include "platform/linux/descriptor.h"
+#include "platform/linux/file_descriptor.h"
 #include "platform/linux/time_spans.h"
 #include "platform/log.h"
 #include "platform/timer_heap.h"
@@ -90,7 +90,7 @@ class RunLoop::System {
         return 0;
       }
       // Watched already: a second number for the same file is watched beside the first.
-      source->duplicate = Descriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+      source->duplicate = FileDescriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
       source->descriptor = source->duplicate.get();
       if (!control(EPOLL_CTL_ADD, source->descriptor, source->events, number)) {
         return 0;
@@ -159,7 +159,7 @@ class RunLoop::System {
   // A watched descriptor. It is out of the epoll set's care while its callback runs.
   struct Source {
     int descriptor = -1;
-    Descriptor duplicate;  // what `descriptor` is, where that had to be a second number
+    FileDescriptor duplicate;  // what `descriptor` is, where that had to be a second number
     std::uint32_t events = 0;
     std::function<void()> callback;
   };
@@ -296,9 +296,9 @@ class RunLoop::System {
   const Clock& mClock;
   TimerHeap mTimers;
   std::optional<nanoseconds> mArmed;  // what mTimer is set to, on mClock
-  Descriptor mEpoll;                  // none where the system had no more descriptors
-  Descriptor mTimer;
-  Descriptor mCallsWaiting;  // readable while mCalls holds one or a wake-up is wanted
+  FileDescriptor mEpoll;              // none where the system had no more descriptors
+  FileDescriptor mTimer;
+  FileDescriptor mCallsWaiting;  // readable while mCalls holds one or a wake-up is wanted
   std::unordered_map<std::uint64_t, std::shared_ptr<Source>> mSources;
   std::uint64_t mNextWatch = kFirstWatch;
   std::shared_ptr<const Pump> mPump;  // null for none

@@ -92,7 +92,7 @@ bool SettingsFile::read(const SystemCalls& calls) {
     become(State::Unreadable, problem);
     return false;
   };
-  const Descriptor file(
+  const FileDescriptor file(
       calls("open", [this] { return ::open(mPath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
   struct stat status {};
   if (!file.isOpen() || calls("fstat", [&] { return ::fstat(file.get(), &status); }) != 0) {
@@ -157,7 +157,7 @@ void SettingsFile::adopt(const FileVersion& version, std::string document, Value
 
 LockedFolder::~LockedFolder() {
   // Closing is not enough: a child that was forked meanwhile holds a copy of the descriptor.
-  for (const Descriptor* locked : {&mFolder, &mLockFile}) {
+  for (const FileDescriptor* locked : {&mFolder, &mLockFile}) {
     if (locked->isOpen()) {
       ::flock(locked->get(), LOCK_UN);
     }
@@ -214,8 +214,8 @@ bool LockedFolder::findTarget(std::string path, const SystemCalls& calls) {
 
 bool LockedFolder::openFolder(const SystemCalls& calls) {
   const auto open = [this, &calls] {
-    mFolder =
-        Descriptor(calls("open", [this] { return ::open(mFolderPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    mFolder = FileDescriptor(
+        calls("open", [this] { return ::open(mFolderPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
     return mFolder.isOpen();
   };
   if (open()) {
@@ -243,7 +243,7 @@ bool LockedFolder::makeFolder(const SystemCalls& calls) {
       return fail("make", path);
     }
     const std::string parentPath = folderOf(path);
-    const Descriptor parent(
+    const FileDescriptor parent(
         calls("open", [&] { return ::open(parentPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
     if (parent.isOpen() ? !syncFolder(parent.get(), calls) : errno != EACCES) {
       return fail("sync", parentPath);
@@ -256,7 +256,7 @@ bool LockedFolder::makeFolder(const SystemCalls& calls) {
 bool LockedFolder::openLockFile(const SystemCalls& calls) {
   constexpr int kFlags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
   const std::string name = '.' + mName + ".lock";
-  mLockFile = Descriptor(calls("openat", [&] { return ::openat(mFolder.get(), name.c_str(), kFlags, kFileMode); }));
+  mLockFile = FileDescriptor(calls("openat", [&] { return ::openat(mFolder.get(), name.c_str(), kFlags, kFileMode); }));
   return mLockFile.isOpen();
 }
 
@@ -278,7 +278,7 @@ LockedFolder::Outcome LockedFolder::replace(std::string_view document, const Fil
     return fail("remove", pathOf(name)), Outcome::Failed;
   }
   constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
-  const Descriptor file(calls("openat", [&] { return ::openat(mFolder.get(), name.c_str(), kFlags, kFileMode); }));
+  const FileDescriptor file(calls("openat", [&] { return ::openat(mFolder.get(), name.c_str(), kFlags, kFileMode); }));
   if (!file.isOpen()) {
     return fail("make", pathOf(name)), Outcome::Failed;
   }

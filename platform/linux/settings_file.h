@@ -15,7 +15,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/linux/descriptor.h"
+#include "platform/linux/file_descriptor.h"
 #include "platform/value.h"
 
 namespace SharedClasses::platform {
@@ -144,8 +144,8 @@ class LockedFolder {
   std::string mFolderPath;
   std::string mName;           // of the file in the folder; no link
   bool mIsLinkTarget = false;  // a link led there
-  Descriptor mFolder;
-  Descriptor mLockFile;             // where the system locks no folders
+  FileDescriptor mFolder;
+  FileDescriptor mLockFile;         // where the system locks no folders
   std::optional<struct stat> mOld;  // the file that is replaced; absent when there was none
   std::string mProblem;
   std::string mKeptPath;

@@ -1,9 +1,9 @@
 #include "platform/user_locale.h"
 
 #include <langinfo.h>
+#include <locale.h>  // NOLINT(modernize-deprecated-headers): only this one promises newlocale and locale_t
 
 #include <algorithm>
-#include <clocale>
 #include <iterator>
 #include <string_view>
 

@@ -6,11 +6,15 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <deque>
 #include <map>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <utility>
 
+#include "platform/child_process.h"
 #include "platform/desktop_entries.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -22,9 +26,13 @@ namespace SharedClasses::platform {
 namespace {
 
 constexpr std::size_t kMaximumFileSize = std::size_t{1} << 20;  // bytes
-constexpr std::size_t kMaximumEntries = 4096;                   // looked at in a folder that keeps no list of its types
-constexpr std::size_t kMaximumFolders = 256;                    // of one variable
-constexpr std::size_t kMaximumNameLength = 255;                 // bytes; longer ones name no file
+constexpr std::size_t kMaximumEntrySize = std::size_t{64} << 10;
+constexpr std::size_t kMaximumEntries = 4096;    // looked at in one look-up
+constexpr std::size_t kMaximumFolders = 256;     // of one variable
+constexpr std::size_t kMaximumNameLength = 255;  // bytes; longer ones name no file
+constexpr std::size_t kMaximumDepth = 8;         // of a folder of entries below applications/
+constexpr std::size_t kMaximumAddressLength = std::size_t{64} << 10;
+constexpr std::chrono::seconds kLongestStart{10};
 constexpr std::string_view kEntrySuffix = ".desktop";
 constexpr std::array<std::string_view, 3> kScriptTypes = {"application/x-shellscript", "text/x-python", "text/plain"};
 
@@ -54,6 +62,23 @@ std::vector<std::string> partsOf(std::string_view text) {
   return parts;
 }
 
+// The full path of `program`, which is one or is looked for. Empty where there is none.
+std::string executable(const std::string& program, const DesktopFolders& folders) {
+  if (program.find('\0') != std::string::npos) {
+    return {};
+  }
+  if (program.find('/') != std::string::npos) {
+    return program.starts_with('/') && isExecutableFile(program) ? program : std::string();
+  }
+  for (const std::string& folder : folders.programFolders) {
+    std::string path = pathInFolder(folder, program);
+    if (folder.starts_with('/') && isExecutableFile(path)) {
+      return path;
+    }
+  }
+  return {};
+}
+
 // One mimeapps.list.
 struct TypeList {
   std::string text;
@@ -70,6 +95,16 @@ struct Program {
   std::string path;
   DesktopEntry entry;
 };
+
+// Absent for a file that is no entry, and where the program is not there.
+std::optional<Program> programOfEntry(const std::optional<std::string>& file, const DesktopFolders& folders) {
+  std::optional<DesktopEntry> entry = file ? parseDesktopEntry(*file) : std::nullopt;
+  if (!entry || (!entry->neededProgram.empty() && executable(entry->neededProgram, folders).empty())) {
+    return std::nullopt;
+  }
+  std::string path = executable(entry->program, folders);
+  return path.empty() ? std::nullopt : std::optional<Program>({std::move(path), *std::move(entry)});
+}
 
 // All that a desktop says, read when it is asked for, and once.
 class Desktop {
@@ -161,23 +196,16 @@ class Desktop {
     return names;
   }
 
-  // Null where there is no such entry, or the program is not there.
+  // Null where there is no such entry, or the program is not there or might execute what it opens.
   const Program* programNamed(std::string_view name) {
     auto known = mPrograms.find(name);
     if (known == mPrograms.end()) {
-      known = mPrograms.emplace(name, readProgram(name)).first;
+      if (mPrograms.size() == kMaximumEntries) {
+        return nullptr;
+      }
+      known = mPrograms.emplace(name, programOfEntry(fileOfEntry(name), mFolders)).first;
     }
-    return known->second ? &*known->second : nullptr;
-  }
-
-  [[nodiscard]] std::optional<Program> readProgram(std::string_view name) const {
-    const std::optional<std::string> file = fileOfEntry(name);
-    std::optional<DesktopEntry> entry = file ? parseDesktopEntry(*file) : std::nullopt;
-    if (!entry || (!entry->neededProgram.empty() && pathOfProgram(entry->neededProgram).empty())) {
-      return std::nullopt;
-    }
-    std::string path = pathOfProgram(entry->program);
-    return path.empty() ? std::nullopt : std::optional<Program>({std::move(path), *std::move(entry)});
+    return known->second && known->second->entry.opensItself ? &*known->second : nullptr;
   }
 
   // The first file of that name hides those in later folders. "kde-kate.desktop" may also lie in "kde/kate.desktop".
@@ -191,11 +219,11 @@ class Desktop {
         continue;
       }
       const std::string applications = pathInFolder(folder, "applications");
-      std::optional<std::string> file = readFile(pathInFolder(applications, name), kMaximumFileSize);
+      std::optional<std::string> file = readFile(pathInFolder(applications, name), kMaximumEntrySize);
       for (std::size_t dash = name.find('-'); !file && dash != std::string_view::npos;
            dash = name.find('-', dash + 1)) {
         const std::string subfolder = pathInFolder(applications, name.substr(0, dash));
-        file = readFile(pathInFolder(subfolder, name.substr(dash + 1)), kMaximumFileSize);
+        file = readFile(pathInFolder(subfolder, name.substr(dash + 1)), kMaximumEntrySize);
       }
       if (file) {
         return file;
@@ -204,27 +232,120 @@ class Desktop {
     return std::nullopt;
   }
 
-  // Empty where there is none.
-  [[nodiscard]] std::string pathOfProgram(const std::string& program) const {
-    if (program.find('\0') != std::string::npos) {
-      return {};
-    }
-    if (program.find('/') != std::string::npos) {
-      return program.starts_with('/') && isExecutableFile(program) ? program : std::string();
-    }
-    for (const std::string& folder : mFolders.programFolders) {
-      std::string path = pathInFolder(folder, program);
-      if (folder.starts_with('/') && isExecutableFile(path)) {
-        return path;
-      }
-    }
-    return {};
-  }
-
   const DesktopFolders& mFolders;
   std::vector<TypeList> mLists;  // the most important one first
   std::map<std::string, std::optional<Program>, std::less<>> mPrograms;
 };
+
+// The file of an entry.
+struct EntryFile {
+  std::string identifier;  // "kde-kate.desktop" of kde/kate.desktop
+  std::string path;
+};
+
+bool isCalled(const EntryFile& file, std::string_view name) {
+  std::string fileName(name);
+  fileName += name.ends_with(kEntrySuffix) ? "" : kEntrySuffix;
+  return file.identifier == fileName || file.path.ends_with("/" + fileName);
+}
+
+// A folder of entries, and what identifiers of entries in it begin with.
+struct EntryFolder {
+  std::string path;
+  std::string prefix;
+  std::size_t depth = 0;
+};
+
+// The entries of one data folder, those in fewer folders first, and by name among them. Takes the names that it looks
+// at off `namesLeft`.
+std::vector<EntryFile> entriesOfDataFolder(const std::string& dataFolder, std::size_t& namesLeft) {
+  std::vector<EntryFile> files;
+  std::deque<EntryFolder> folders{{pathInFolder(dataFolder, "applications"), ""}};
+  for (; !folders.empty(); folders.pop_front()) {
+    const EntryFolder& folder = folders.front();
+    std::vector<std::string> names = entriesOfFolder(folder.path);
+    std::ranges::sort(names);
+    for (const std::string& name : names) {
+      if (namesLeft == 0) {
+        return files;
+      }
+      --namesLeft;
+      std::string path = pathInFolder(folder.path, name);
+      if (name.starts_with('.')) {
+        continue;
+      }
+      if (name.ends_with(kEntrySuffix)) {
+        files.push_back({folder.prefix + name, std::move(path)});
+      } else if (folder.depth < kMaximumDepth && isFolder(path)) {
+        folders.push_back({std::move(path), folder.prefix + name + "-", folder.depth + 1});
+      }
+    }
+  }
+  return files;
+}
+
+// Those of all data folders; one hides those of the same identifier in later folders.
+std::vector<EntryFile> allEntries(const DesktopFolders& folders) {
+  std::vector<EntryFile> files;
+  std::set<std::string> identifiers;
+  std::size_t namesLeft = kMaximumEntries;
+  for (const std::string& folder : folders.dataFolders) {
+    if (folder.starts_with('/')) {
+      for (EntryFile& file : entriesOfDataFolder(folder, namesLeft)) {
+        if (identifiers.insert(file.identifier).second) {
+          files.push_back(std::move(file));
+        }
+      }
+    }
+  }
+  return files;
+}
+
+// A letter, then letters, digits, '+', '-' and '.', then ':'.
+bool beginsWithScheme(std::string_view address) {
+  bool isFirst = true;
+  for (const char32_t c : CodePoints(address)) {
+    if (!isASCIILetter(c) && (isFirst || (!isASCIIDigit(c) && c != U'+' && c != U'-' && c != U'.'))) {
+      return c == U':' && !isFirst;
+    }
+    isFirst = false;
+  }
+  return false;
+}
+
+bool isControl(char32_t c) {
+  return c < 0x20 || (c >= 0x7F && c <= 0x9F);
+}
+
+bool isAddress(std::string_view text) {
+  if (text.size() > kMaximumAddressLength || !isValidUTF8(text) || !beginsWithScheme(text)) {
+    return false;
+  }
+  for (const char32_t c : CodePoints(text)) {
+    if (isBlank(c) || isControl(c)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// Starts a program that nobody waits for. setsid forks and ends at once, which leaves the program, in a session of its
+// own, to the system to be waited for: a child of ours would stay a zombie until we looked, and a host of many threads
+// had better not be forked. The program and its arguments are words that the shell hands on and never reads. It prints
+// a line once they are on their way: a host that takes the ends of all children away takes exit statuses too.
+bool startDetached(const std::string& program, const std::vector<std::string>& arguments) {
+  std::vector<std::string> words{"-c", R"(command -p setsid -f "$0" "$@" </dev/null >/dev/null 2>&1 && echo)", program};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  try {
+    ChildProcess shell("/bin/sh", words);
+    shell.waitForEnd(kLongestStart);
+    std::string printed;
+    static_cast<void>(readFromPipe(shell.output(), &printed));
+    return !printed.empty();
+  } catch (const LaunchError&) {
+    return false;
+  }
+}
 
 }  // namespace
 
@@ -261,6 +382,46 @@ std::string editorOfScripts(const DesktopFolders& folders) {
     }
   }
   return inTerminal != nullptr ? inTerminal->path : std::string();
+}
+
+std::string pathOfProgram(std::string_view name, const DesktopFolders& folders) {
+  if (name.empty() || name.find('/') != std::string_view::npos) {
+    return {};
+  }
+  const std::vector<EntryFile> files = allEntries(folders);
+  for (const EntryFile& file : files) {
+    if (!isCalled(file, name)) {
+      continue;
+    }
+    if (const auto program = programOfEntry(readFile(file.path, kMaximumEntrySize), folders)) {
+      return program->path;
+    }
+  }
+  const bool hasCase = isValidUTF8(name);
+  const std::string lowercasedName = lowercased(name);
+  std::string similar;
+  for (const EntryFile& file : files) {
+    const auto program = programOfEntry(readFile(file.path, kMaximumEntrySize), folders);
+    if (program && program->entry.name == name) {
+      return program->path;
+    }
+    if (program && similar.empty() && hasCase && isValidUTF8(program->entry.name) &&
+        lowercased(program->entry.name) == lowercasedName) {
+      similar = program->path;
+    }
+  }
+  return similar.empty() ? executable(std::string(name), folders) : similar;
+}
+
+bool openAddress(std::string_view address, const DesktopFolders& folders) {
+  if (!isAddress(address)) {
+    return false;
+  }
+  if (const std::string opener = executable("xdg-open", folders); !opener.empty()) {
+    return startDetached(opener, {std::string(address)});
+  }
+  const std::string opener = executable("gio", folders);
+  return !opener.empty() && startDetached(opener, {"open", std::string(address)});
 }
 
 }  // namespace SharedClasses::platform

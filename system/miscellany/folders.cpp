@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "platform/files.h"
+#include "platform/text_parts.h"
 #include "platform/users.h"
 #include "system/processes/process_detection.h"
 
@@ -11,11 +12,21 @@ namespace SharedClasses::Utilities {
 namespace {
 
 constexpr std::string_view kSystemRoot = "/";
-constexpr std::string_view kSystemLibrary = "/usr/share";
+constexpr std::string_view kSystemLibraries = "/usr/local/share:/usr/share";
 constexpr std::string_view kSystemUsers = "/home";
 
 bool isKeptInLibrary(std::string_view folder) {
   return folder == "Logs" || folder == "Application Support";
+}
+
+std::string systemLibrary() {
+  const std::string set = platform::environmentVariable("XDG_DATA_DIRS").value_or("");
+  for (std::string_view rest = set.empty() ? kSystemLibraries : set; !rest.empty();) {
+    if (const std::string_view folder = platform::takePart(rest, ':'); folder.starts_with('/')) {
+      return std::string(folder);
+    }
+  }
+  return {};
 }
 
 std::string pathInSystem(std::string_view folder) {
@@ -23,21 +34,20 @@ std::string pathInSystem(std::string_view folder) {
     return std::string(kSystemRoot);
   }
   if (isKeptInLibrary(folder)) {
-    return platform::pathInFolder(kSystemLibrary, folder);
+    return platform::pathInFolder(systemLibrary(), folder);
   }
   // Kept: "Documents" is a folder of the users like every other name.
-  return std::string(folder == "Library" ? kSystemLibrary : kSystemUsers);
+  return folder == "Library" ? systemLibrary() : std::string(kSystemUsers);
 }
 
 }  // namespace
 
 std::string homeDirectory() {
   const std::string user = marlowUser();
-  if (user == platform::currentUserName()) {
-    return platform::homeFolderOfCurrentUser();
+  if (const std::optional<platform::User> found = platform::userNamed(user)) {
+    return found->homeFolder;
   }
-  const std::optional<platform::User> found = platform::userNamed(user);
-  return found ? found->homeFolder : std::string();
+  return user == platform::currentUserName() ? platform::homeFolderOfCurrentUser() : std::string();
 }
 
 std::string pathToDirectoryInDomain(std::string_view folder, std::string_view domain) {

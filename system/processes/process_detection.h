@@ -1,7 +1,7 @@
 // Which programs run, whose they are, and how a copy of the agent that belongs to somebody else is made to quit.
-// Questions are answered by the system's command-line tools and take some hundredths of a second; each look at the system
-// ends within 10 seconds whatever the tools do, and the question for a foreign agent takes two. Everything works on the
-// calling thread; nothing throws.
+// Questions are answered by the system's command-line tools and take some hundredths of a second; each look at the
+// system ends within 10 seconds whatever the tools do, and the question for a foreign agent takes two. Everything works
+// on the calling thread; nothing throws.
 #pragma once
 
 #include <cstdint>
@@ -28,15 +28,21 @@ namespace SharedClasses::Utilities {
 // States that this process is the program with this signature, until it ends, to everybody who asks isProcessRunning.
 void stateSignature(platform::FourCharCode signature);
 
-// Whether a program that stated this signature runs, hung or stopped, or, for the messenger programs, whether a process of
-// that name does. Where the system does not tell whether a signature was stated, it counts as running.
+// Whether a program that stated this signature runs, hung or stopped, or, for the messenger programs, whether a process
+// of that name does. Where the system does not tell whether a signature was stated, it counts as running.
 [[nodiscard]] bool isProcessRunning(platform::FourCharCode signature);
 
 [[nodiscard]] bool isClassicRunning();
 
-// Whether the name of any process matches `name`, a pattern of grep, whatever the case. False for an empty or absent name.
+// Whether the name of any process matches `name`, a pattern of grep, whatever the case. False for an empty or absent
+// name.
 [[nodiscard]] bool isProcessNameRunning(std::optional<std::string_view> name);
+
+// The same for "indigo": any process with that in its name counts, of whatever user.
 [[nodiscard]] bool isIndigoRunning();
+
+// The same for "XTension" behind another character than "e".
+// Kept: there has to be such a character, so that a process named exactly "XTension" is not found.
 [[nodiscard]] bool isXTensionRunning();
 
 // One dictionary for each running agent: "pid" and "uid" (numbers), "username" (a text).

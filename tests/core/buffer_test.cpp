@@ -1,9 +1,6 @@
 #include "core/buffer.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-
-#include <utility>
 
 #include "core/text.h"
 #include "tests/support/failing_allocator.h"
@@ -70,8 +67,6 @@ TEST(CoreBuffer, TheDumpHasTenBytesALine) {
 
 TEST(CoreBuffer, OnlyWholeRegularFilesLoadAndNothingHangs) {
   const tests::TemporaryFolder folder;
-  const std::string pipe = folder.path() + "/pipe";
-  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
   const std::string huge = folder.write("huge", "");
   std::filesystem::resize_file(huge, 0x100000000);  // takes no room on the disk
   const auto load = [](const std::string& path) {
@@ -82,7 +77,7 @@ TEST(CoreBuffer, OnlyWholeRegularFilesLoadAndNothingHangs) {
   EXPECT_EQ(load(folder.write("file", {"a\0b", 3})), "0:a\0b"s);
   EXPECT_EQ(load(folder.write("empty", "")), "0:");
   EXPECT_EQ(load("") + load(folder.path() + "/missing") + load(huge) + load(folder.path()), "-1:-1:-1:-1:");
-  EXPECT_EQ(load(pipe) + load("/dev/zero"), "0:0:");
+  EXPECT_EQ(load(folder.makePipe("pipe")) + load("/dev/zero"), "0:0:");
 }
 
 }  // namespace

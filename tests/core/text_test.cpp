@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <utility>
 
 #include "core/buffer.h"
 #include "tests/support/failing_allocator.h"

@@ -3,6 +3,7 @@
 
 #include <fstream>
 
+#include "platform/descriptor.h"
 #include "platform/text.h"
 #include "protocols/insteon/insteon_addresses.h"
 #include "protocols/insteon/insteon_commands.h"
@@ -10,7 +11,13 @@
 #include "protocols/onewire/ds18b20_scratch_pad.h"
 #include "protocols/x10/x10_actions.h"
 #include "protocols/x10/x10_addresses.h"
+#include "scripting/descriptors.h"
+#include "scripting/device_proxy.h"
 #include "sun/sun_times.h"
+#include "system/miscellany/bytes.h"
+#include "system/miscellany/desktop.h"
+#include "system/miscellany/folders.h"
+#include "system/miscellany/string_additions.h"
 #include "tests/support/main_bundle.h"
 #include "wording/action_phrases.h"
 #include "wording/localized_strings.h"
@@ -24,8 +31,8 @@ std::string asText(const std::optional<std::string>& text) {
 std::string asCode(ActionCode code) {
   return asText(Utilities::stringFromFourCharCode(code));
 }
-std::string asNumber(std::int64_t number) {
-  return std::to_string(number);
+std::string asNumber(std::optional<std::int64_t> number) {
+  return std::to_string(number.value_or(-1));
 }
 std::string asAddress(std::uint32_t address) {
   return "0x1A2B3C" + std::string(address == 0x1A2B3C ? "" : " is wrong");
@@ -36,6 +43,9 @@ std::string asCharacter(char character) {
 
 std::string asTruth(bool truth) {
   return truth ? "true" : "false";
+}
+std::string asIs(const std::string& line) {
+  return line;
 }
 std::string asReading(std::optional<double> reading) {
   return platform::numberText(reading.value_or(0));
@@ -52,6 +62,13 @@ TEST(Guide, ExamplesGiveWhatTheirCommentsSay) {
   pad->setUnits("C");
   std::optional<platform::CalendarDate> day;
   day.emplace(2026, 7, 4, 12, 0, 0, platform::TimeZone::named("America/New_York"));
+  using platform::Descriptor, platform::fourCharCode;
+  const std::vector<Descriptor::Keyed> parts = {{fourCharCode("pnam"), Descriptor::text("Hall lamp")},
+                                                {fourCharCode("Stat"), Descriptor::integer(1)}};
+  const auto lamp = Descriptor::withKeyedItems(Descriptor::kRecord, parts);
+  const auto received = Descriptor::fromBytes(lamp->toBytes());
+  const auto proxy = DeviceProxy::initWithDictionary({{"subClass", "Dimmer"}, {"classCode", 2}});
+  proxy->setDevice(nullptr);
   struct Example {
     std::string code;
     std::string result;
@@ -78,6 +95,18 @@ TEST(Guide, ExamplesGiveWhatTheirCommentsSay) {
       EXAMPLE(asText, Utilities::getStringFromTable("keyAnd", "Conjugations")),
       EXAMPLE(asNumber, Utilities::sunriseFromLatitude({.latitude = 40, .longitude = -75, .toSunrise = &day})),
       EXAMPLE(asText, day->description()),
+      EXAMPLE(asIs, lamp->description()),
+      EXAMPLE(asNumber, received->itemUnder(fourCharCode("Stat"))->coerceToLong()),
+      EXAMPLE(asIs, Utilities::NSObjectWithAEDescObj(received).description()),
+      EXAMPLE(asText, Utilities::DebugAEDescription(nullptr)),
+      EXAMPLE(asText, proxy->className()),
+      EXAMPLE(asText, proxy->description()),
+      EXAMPLE(asTruth, proxy->isKindOfClass("Dimmer")),
+      EXAMPLE(asText, Utilities::ipAddressFromInt(-1)),
+      EXAMPLE(asText, QZAdditions::stringByReplacingOccurrencesOfString("a--b---c", "--", "-")),
+      EXAMPLE(asText, QZAdditions::firstCharacterCapitalized("hall lamp")),
+      EXAMPLE(asText, Utilities::pathToDirectoryInDomain("Home", "System")),
+      EXAMPLE(asTruth, Utilities::openURL("no page")),
   };
 #undef EXAMPLE
   for (const Example& example : examples) {

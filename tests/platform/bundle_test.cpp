@@ -39,12 +39,7 @@ TEST(Bundle, TheUsersLanguagesAreThoseOfTheEnvironment) {
 }
 
 TEST(Bundle, TheBestHeldLocalizationIsChosen) {
-  const struct {
-    const char* name;
-    Names held;
-    Names languages;
-    Names expected;
-  } kRows[] = {
+  const std::tuple<const char*, Names, Names, Names> kRows[] = {
       {"without its country", {"de", "de_CH", "English"}, {"de_AT"}, {"de", "English"}},
       {"with a variant", {"de", "de-AT", "English"}, {"DE_AT@euro"}, {"de-AT", "English"}},
       {"script without its country", {"zh", "zh-Hans", "zh-Hant"}, {"zh_Hant_TW"}, {"zh-Hant"}},
@@ -52,17 +47,17 @@ TEST(Bundle, TheBestHeldLocalizationIsChosen) {
       {"the C locale speaks English of a country", {"de", "en_GB"}, {"C.UTF-8", "de"}, {"en_GB", "de"}},
       {"names that say nothing", {"de", "English"}, {"", ".UTF-8", "@", "_", "-", "dex", "d"}, {"English"}},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
+  for (const auto& [name, held, languages, expected] : kRows) {
+    SCOPED_TRACE(name);
     const TemporaryFolder folder;
-    for (const std::string& name : row.held) {
-      folder.write(name + ".lproj/Localizable.strings", "\"name\" = \"" + name + "\";");
+    for (const std::string& each : held) {
+      folder.write(each + ".lproj/Localizable.strings", "\"name\" = \"" + each + "\";");
     }
     folder.write(".lproj/x", "");
-    const Bundle bundle(folder.path() + "//", row.languages);
+    const Bundle bundle(folder.path() + "//", languages);
     EXPECT_EQ(bundle.resourceFolder(), folder.path());
-    EXPECT_EQ(bundle.preferredLocalizations(), row.expected);
-    EXPECT_EQ(bundle.find("name", ""), row.expected[0]);
+    EXPECT_EQ(bundle.preferredLocalizations(), expected);
+    EXPECT_EQ(bundle.find("name", ""), expected[0]);
   }
 }
 

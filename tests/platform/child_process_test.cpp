@@ -3,10 +3,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -56,13 +53,7 @@ TEST(ChildProcess, WhatCannotBeStartedIsALaunchErrorWithItsReason) {
   TemporaryFolder folder;
   const std::string text = folder.write("text", "echo this is no program\n");
   ::chmod(text.c_str(), 0755);
-  struct Row {
-    const char* name;
-    std::string path;
-    int error;
-    std::vector<std::string> arguments;
-  };
-  const Row rows[] = {
+  const std::tuple<const char*, std::string, int, std::vector<std::string>> rows[] = {
       {"missing", folder.path() + "/missing", ENOENT, {}},
       {"no path", "", ENOENT, {}},
       {"a folder", folder.path(), EACCES, {}},
@@ -73,14 +64,14 @@ TEST(ChildProcess, WhatCannotBeStartedIsALaunchErrorWithItsReason) {
       {"NUL in an argument", "/bin/true", EINVAL, {"a", "b\0c"s}},
       {"arguments beyond what the system takes", "/bin/true", E2BIG, {std::string(std::size_t{1} << 24, 'x')}},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
+  for (const auto& [name, path, reason, arguments] : rows) {
+    SCOPED_TRACE(name);
     try {
-      ChildProcess child(row.path, row.arguments);
+      ChildProcess child(path, arguments);
       ADD_FAILURE() << "started";
     } catch (const LaunchError& error) {
-      EXPECT_EQ(error.path(), row.path);
-      EXPECT_EQ(error.reason(), ::strerror(row.error));
+      EXPECT_EQ(error.path(), path);
+      EXPECT_EQ(error.reason(), ::strerror(reason));
     }
   }
 }
@@ -115,33 +106,27 @@ TEST(ChildProcess, HasItsHostsEnvironmentWithTheChangesAskedFor) {
 }
 
 TEST(ChildProcess, WorksInAnyHostAndLeavesItAsItWas) {
-  struct Row {
-    const char* name;
-    void (*prepare)();
-    bool mayLoseStatus = false;
-  };
-  const Row rows[] = {
-      {"plain", [] {}},
-      {"standard descriptors closed", [] { ::close(0), ::close(1), ::close(2); }},
-      {"standard input closed", [] { ::close(0); }},
+  // What is done before, and whether that may lose the status.
+  const std::tuple<const char*, void (*)(), bool> rows[] = {
+      {"plain", [] {}, false},
+      {"standard descriptors closed", [] { ::close(0), ::close(1), ::close(2); }, false},
+      {"standard input closed", [] { ::close(0); }, false},
       {"SIGCHLD ignored", [] { ::signal(SIGCHLD, SIG_IGN); }, true},
       {"handler that waits for every child", [] { ::signal(SIGCHLD, waitForEveryChild); }, true},
-      {"SIGPIPE ignored", [] { ::signal(SIGPIPE, SIG_IGN); }},
+      {"SIGPIPE ignored", [] { ::signal(SIGPIPE, SIG_IGN); }, false},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(statusInFork([&row] {
-                row.prepare();
-                const std::string before = signalsOfThisProcess();
-                std::int32_t status = 0;
-                const bool works = outputOf("cat; exit 3", &status, "x") == "x" &&
-                                   outputOf("exec <&-; printf y", nullptr, std::string(3 << 20, 'z')) == "y";
-                return !works                                                ? 1
-                       : status != 3 && !(row.mayLoseStatus && status == -1) ? 2
-                       : signalsOfThisProcess() != before                    ? 3
-                                                                             : 0;
-              }),
-              0);
+  for (const auto& [name, prepare, mayLose] : rows) {
+    EXPECT_EQ(
+        statusInFork([prepare = prepare, mayLose = mayLose] {
+          prepare();
+          const std::string before = signalsOfThisProcess();
+          std::int32_t status = 0;
+          const bool works = outputOf("cat; exit 3", &status, "x") == "x" &&
+                             outputOf("exec <&-; printf y", nullptr, std::string(3 << 20, 'z')) == "y";
+          return !works ? 1 : status != 3 && !(mayLose && status == -1) ? 2 : signalsOfThisProcess() != before ? 3 : 0;
+        }),
+        0)
+        << name;
   }
 }
 

@@ -5,7 +5,6 @@
 #include <limits>
 
 namespace SharedClasses::platform {
-namespace {
 
 using List = Value::List;
 using Dictionary = Value::Dictionary;
@@ -28,11 +27,7 @@ TEST(PropertyListFromXML, ReadsAWholeDocumentAndRefusesEveryBeginningOfIt) {
 }
 
 TEST(PropertyListFromXML, ReadsEachElement) {
-  const struct {
-    const char* name;
-    std::string_view document;
-    Value value;
-  } kRows[] = {
+  const std::tuple<const char*, std::string_view, Value> kRows[] = {
       {"text in pieces", "\xEF\xBB\xBF<string> a\r\n<![CDATA[<b>]]><!-- c -->&lt; </string>", " a\n<b>< "},
       {"US-ASCII", "<?xml version='1.0' encoding='us-ascii'?><!DOCTYPE plist><plist><false></false></plist>", false},
       {"plus sign, hexadecimal", "<integer>\n\t+0xFf </integer>", 255},
@@ -47,22 +42,17 @@ TEST(PropertyListFromXML, ReadsEachElement) {
       {"data of five", "<data>\n\tZm 9v\nYmE=</data>", Value::Data{'f', 'o', 'o', 'b', 'a'}},
       {"key twice", "<dict><key>a</key><true/><key>a</key><integer>2</integer></dict>", Dictionary{{"a", 2}}},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
+  for (const auto& [name, document, value] : kRows) {
+    SCOPED_TRACE(name);
     PropertyListError error;
-    const auto value = propertyListFromXML(row.document, &error);
-    EXPECT_EQ(value, row.value) << error.message;
+    EXPECT_EQ(propertyListFromXML(document, &error), value) << error.message;
   }
 }
 
 TEST(PropertyListFromXML, RefusesWithTheElementAndTheLine) {
   using namespace std::string_view_literals;
-  const struct {
-    const char* name;
-    std::string_view document;
-    std::size_t line;
-    const char* message;  // a part of it
-  } kRows[] = {
+  // The line, and a part of the message.
+  const std::tuple<const char*, std::string_view, std::size_t, const char*> kRows[] = {
       {"nothing", "", 1, "ends too early"},
       {"UTF-16", "\xFF\xFE<\0"sv, 1, "UTF-16"},
       {"NUL in a text", "<string>\n\0</string>"sv, 2, "NUL"},
@@ -95,12 +85,12 @@ TEST(PropertyListFromXML, RefusesWithTheElementAndTheLine) {
       {"base64 goes on", "<data>Zg==Zg==</data>", 1, "<data>"},
       {"base64 for addresses", "<data>-_-_</data>", 1, "<data>"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
+  for (const auto& [name, document, line, message] : kRows) {
+    SCOPED_TRACE(name);
     PropertyListError error{"dirty", 99};
-    EXPECT_FALSE(propertyListFromXML(row.document, &error));
-    EXPECT_NE(error.message.find(row.message), std::string::npos) << error.message;
-    EXPECT_EQ(error.line, row.line);
+    EXPECT_FALSE(propertyListFromXML(document, &error));
+    EXPECT_NE(error.message.find(message), std::string::npos) << error.message;
+    EXPECT_EQ(error.line, line);
   }
 }
 
@@ -155,11 +145,8 @@ TEST(PropertyListAsXML, IsAFileThatAPersonReads) {
 }
 
 TEST(PropertyListAsXML, ReadsBackAsTheSameValue) {
-  const struct {
-    const char* name;
-    Value value;
-    std::string_view element;  // how the document says it
-  } kRows[] = {
+  // Last how the document says it.
+  const std::tuple<const char*, Value, std::string_view> kRows[] = {
       {"markup and line ends", " <a>&b]]>\r\n\r\t\x7F ", "<string> &lt;a&gt;&amp;b]]&gt;&#13;\n&#13;\t\x7F </string>"},
       {"characters", "é\u2028\U0001F4A1\uFFFD", "<string>é\u2028\U0001F4A1\uFFFD</string>"},
       {"empty key", Dictionary{{"", ""}, {"\r", " "}}, "<key></key>\n\t<string></string>\n\t<key>&#13;</key>"},
@@ -179,12 +166,12 @@ TEST(PropertyListAsXML, ReadsBackAsTheSameValue) {
       {"data of the last digits", Value::Data{0xFB, 0xFF, 0xBF}, "<data>+/+/</data>"},
       {"data of many lines", Value::Data(1000, 0xA5), "<data>\npaWl"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
-    const auto document = propertyListAsXML(row.value);
+  for (const auto& [name, value, element] : kRows) {
+    SCOPED_TRACE(name);
+    const auto document = propertyListAsXML(value);
     ASSERT_TRUE(document);
-    EXPECT_NE(document->find(row.element), std::string::npos) << *document;
-    EXPECT_EQ(propertyListFromXML(*document), row.value) << *document;
+    EXPECT_NE(document->find(element), std::string::npos) << *document;
+    EXPECT_EQ(propertyListFromXML(*document), value) << *document;
   }
   EXPECT_EQ(propertyListFromXML(propertyListAsXML(Date{-0.25}).value()), Value(Date{-1}));
 }
@@ -200,11 +187,8 @@ TEST(PropertyListAsXML, RefusesWhatNoDocumentHoldsAndNamesThePlace) {
   const std::string largest(kMaximumPropertyListSize - frame, 'x');
   EXPECT_EQ(propertyListFromXML(propertyListAsXML(levels).value()), levels);
   EXPECT_EQ(propertyListFromXML(propertyListAsXML(largest).value()), Value(largest));
-  const struct {
-    const char* name;
-    Value value;
-    const char* message;  // a part of it
-  } kRows[] = {
+  // Last a part of the message.
+  const std::tuple<const char*, Value, const char*> kRows[] = {
       {"nothing", Value(), "value is absent"},
       {"absent in a list", Dictionary{{"a\nb", List{1, Value()}}}, R"(value["a b"][1] is absent)"},
       {"color", List{Color{}}, "value[0] is a color"},
@@ -219,14 +203,13 @@ TEST(PropertyListAsXML, RefusesWhatNoDocumentHoldsAndNamesThePlace) {
       {"too large", largest + 'x', "value makes the document longer than 16777216"},
       {"two to the hundredth parts", shared, "makes the document longer"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
+  for (const auto& [name, value, message] : kRows) {
+    SCOPED_TRACE(name);
     std::string error = "dirty";
-    EXPECT_FALSE(propertyListAsXML(row.value, &error));
-    EXPECT_NE(error.find(row.message), std::string::npos) << error;
+    EXPECT_FALSE(propertyListAsXML(value, &error));
+    EXPECT_NE(error.find(message), std::string::npos) << error;
     EXPECT_LT(error.size(), 400U);
   }
 }
 
-}  // namespace
 }  // namespace SharedClasses::platform

@@ -14,7 +14,6 @@
 #include "tests/support/hand_moved_clock.h"
 
 namespace SharedClasses::platform {
-namespace {
 
 using namespace std::chrono_literals;
 using std::chrono::nanoseconds;
@@ -93,22 +92,19 @@ TEST(RunLoop, CallsKeepTheOrderOfTheirThreadAndWakeUpsEndAWait) {
 }
 
 TEST(RunLoop, ItsDescriptorIsReadableWhenSomethingIsDue) {
-  const struct {
-    const char* name;
-    void (*makeDue)(RunLoop& loop, Timer& timer);
-  } kRows[] = {
+  const std::pair<const char*, void (*)(RunLoop & loop, Timer & timer)> kRows[] = {
       {"a timer comes due", [](RunLoop& loop, Timer&) { loop.addTimer(3ms, [](Timer&) {}); }},
       {"one is moved to the past", [](RunLoop&, Timer& timer) { timer.setNextFiring(nanoseconds::min()); }},
       {"a call", [](RunLoop& loop, Timer&) { loop.call([] {}); }},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
+  for (const auto& [name, makeDue] : kRows) {
+    SCOPED_TRACE(name);
     RunLoop loop;
     const auto timer = loop.addTimer(1h, [](Timer& own) { own.invalidate(); });
     pollfd ready{loop.descriptor(), POLLIN, 0};
     EXPECT_FALSE(loop.runOnce(0s));
     EXPECT_EQ(poll(&ready, 1, 0), 0);
-    row.makeDue(loop, *timer);
+    makeDue(loop, *timer);
     do {
       ASSERT_EQ(poll(&ready, 1, 60'000), 1);
     } while (!loop.runOnce(0s));
@@ -145,5 +141,4 @@ TEST(RunLoop, ThePumpRunsInsteadOfSleeping) {
   }
 }
 
-}  // namespace
 }  // namespace SharedClasses::platform

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <sys/time.h>
 
 #include <cstdlib>
@@ -106,21 +105,17 @@ TEST_F(SettingsStoreTest, WhatNoFileCanHoldCountsAsAbsentIsLoggedAndHindersNothi
   for (std::size_t level = 1; level < kMaximumPropertyListDepth; ++level) {
     deep = Value::List{deep};
   }
-  const struct {
-    const char* name;
-    std::string key;
-    Value value;
-  } kRows[] = {
+  const std::tuple<const char*, std::string, Value> kRows[] = {
       {"a color", "k", Color{1, 0, 0, 1}},
       {"too deep, but only within the file", "k", deep},
       {"a control character in the key", std::string("k\0", 2), {}},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
+  for (const auto& [name, key, value] : kRows) {
+    SCOPED_TRACE(name);
     const tests::CapturedLog captured;
     const auto store = open();
-    store->set(row.key, 1);
-    store->set(row.key, row.value);
+    store->set(key, 1);
+    store->set(key, value);
     save(store, "date", Date{1.75});
     EXPECT_EQ(store->all(), (Dictionary{{"date", Date{1.0}}})) << "files hold whole seconds";
     EXPECT_EQ(saved(), store->all());
@@ -249,12 +244,8 @@ TEST_F(SettingsStoreTest, EndsOfProgramsSaveButNotThoseOfAForkedChild) {
 }
 
 TEST_F(SettingsStoreTest, AFileThatMayHoldSettingsIsNeverOverwrittenAndDamagedOnesAreAllKept) {
-  const struct {
-    const char* name;
-    std::string_view failing;  // the call that fails
-    std::function<void()> make;
-    std::string keptAs;  // what is then behind the file's name
-  } kRows[] = {
+  // The call that fails, how the file is made, and what is behind its name afterwards.
+  const std::tuple<const char*, std::string_view, std::function<void()>, std::string> kRows[] = {
       {"no rights", "open", [this] { writeFile(kOldDocument); }, ""},
       {"a broken disk", "read", [this] { writeFile(kOldDocument); }, ""},
       {"too long", "", [this] { writeFile(std::string(kMaximumPropertyListSize + 1, ' ')); }, ""},
@@ -263,23 +254,23 @@ TEST_F(SettingsStoreTest, AFileThatMayHoldSettingsIsNeverOverwrittenAndDamagedOn
       {"an empty file", "", [this] { writeFile(""); }, ".damaged-1"},
       {"no dictionary, and no second names for files", "linkat", [this] { writeFile("<array/>"); }, ".damaged-2"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
+  for (const auto& [name, failingCall, make, keptAs] : kRows) {
+    SCOPED_TRACE(name);
     const tests::CapturedLog captured;
     std::string_view failing;
     const auto store = open([&failing](std::string_view call) { return call == failing ? EPERM : 0; });
     fs::remove(file);
     save(store, "a", 1);
     fs::remove(file);
-    row.make();
-    failing = row.failing;
+    make();
+    failing = failingCall;
     const ino_t made = statusOf(file).st_ino;
     clock.move(1s);
     store->set("b", 1);
-    EXPECT_EQ(store->synchronize(), !row.keptAs.empty());
-    EXPECT_EQ(store->synchronize(), !row.keptAs.empty());
+    EXPECT_EQ(store->synchronize(), !keptAs.empty());
+    EXPECT_EQ(store->synchronize(), !keptAs.empty());
     EXPECT_EQ(store->all(), (Dictionary{{"a", 1}, {"b", 1}})) << "what was read before stays";
-    EXPECT_EQ(statusOf(file + row.keptAs).st_ino, made);
+    EXPECT_EQ(statusOf(file + keptAs).st_ino, made);
     EXPECT_EQ(captured.messages().size(), 2U) << "one for the reading, one for the saving";
   }
   EXPECT_EQ(saved(), (Dictionary{{"a", 1}, {"b", 1}}));

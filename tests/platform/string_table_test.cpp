@@ -20,11 +20,7 @@ std::vector<std::string> outlineOf(const ParsedStrings& parsed) {
 }
 
 TEST(StringTable, FilesAreReadWholeOrUpToWhatHidesTheRest) {
-  const struct {
-    const char* name;
-    std::string_view bytes;
-    std::vector<std::string> expected;
-  } kRows[] = {
+  const std::tuple<const char*, std::string_view, std::vector<std::string>> kRows[] = {
       {"byte order mark", "\xEF\xBB\xBF\"a\" = \"1\";", {"1 a=1"}},
       {"no blanks, empty key and text", "\"a\"=\"1\";\"\"=\"\";", {"1 a=1", "1 ="}},
       {"many blanks", "\t\"a\"\u00A0 =\t \"1\" ;  \n\n \"a\" = \"2\";", {"1 a=1", "3 a=2"}},
@@ -35,17 +31,14 @@ TEST(StringTable, FilesAreReadWholeOrUpToWhatHidesTheRest) {
       {"open comment", "\"a\" = \"1\";\n\n/* open\n\"b\" = \"2\";\n", {"1 a=1", "3 !"}},
       {"UTF-16", "\xFF\xFE\"\0a\0\"\0"sv, {"1 !"}},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(outlineOf(parseStrings(row.bytes)), row.expected);
+  for (const auto& [name, bytes, expected] : kRows) {
+    EXPECT_EQ(outlineOf(parseStrings(bytes)), expected) << name;
   }
 }
 
 TEST(StringTable, ABrokenLineIsReportedAndTheNextOneServes) {
-  const struct {
-    std::string_view line;
-    const char* message;  // a part of it
-  } kRows[] = {
+  // The line and a part of the message.
+  const std::pair<std::string_view, const char*> kRows[] = {
       {"\"a\" \"b\";", "'=' is missing"},          {"\"a\" = ;", "a text in double quotes is missing"},
       {"\"a\" = \"b\"", "';' is missing"},         {"\"a = ;", "a key is not closed"},
       {"\"a\" = \"b;", "a text is not closed"},    {"\"a\" = \"b\\", "unknown escape"},
@@ -56,13 +49,13 @@ TEST(StringTable, ABrokenLineIsReportedAndTheNextOneServes) {
       {"*/", "a key in double quotes is missing"},
   };
   for (const std::string lineBreak : {"\n", "\r\n"}) {
-    for (const auto& row : kRows) {
-      SCOPED_TRACE(row.line);
+    for (const auto& [line, message] : kRows) {
+      SCOPED_TRACE(line);
       std::string file = "/* two" + lineBreak + "lines */" + lineBreak;
-      file.append(row.line).append(lineBreak).append("\"last\" = \"1\";").append(lineBreak).append(row.line);
+      file.append(line).append(lineBreak).append("\"last\" = \"1\";").append(lineBreak).append(line);
       const ParsedStrings parsed = parseStrings(file);
       ASSERT_EQ(outlineOf(parsed), (std::vector<std::string>{"4 last=1", "3 !", "5 !"}));
-      EXPECT_NE(parsed.issues[0].message.find(row.message), std::string::npos) << parsed.issues[0].message;
+      EXPECT_NE(parsed.issues[0].message.find(message), std::string::npos) << parsed.issues[0].message;
     }
   }
 }

@@ -6,12 +6,8 @@ namespace SharedClasses::platform {
 namespace {
 
 TEST(TextFormat, SlotsAreFilledOnceAndEverythingElseStands) {
-  const struct {
-    const char* name;
-    std::string_view format;
-    std::string_view expected;      // with the arguments "hall %@", 40 and "%2$d%%"
-    std::vector<FormatSlot> slots;  // in order of argument
-  } kRows[] = {
+  // The format, the result with the arguments "hall %@", 40 and "%2$d%%"; the slots in order of argument
+  const std::tuple<const char*, std::string_view, std::string_view, std::vector<FormatSlot>> kRows[] = {
       {"in order", "%@ to %d: %@", "hall %@ to 40: %2$d%%", {{1, '@'}, {2, 'd'}, {3, '@'}}},
       {"by number, as a translation turns them", "%2$d, %1$@", "40, hall %@", {{1, '@'}, {2, 'd'}}},
       {"one argument as either kind", "%2$d%2$@", "4040", {{2, '@'}, {2, 'd'}}},
@@ -25,10 +21,10 @@ TEST(TextFormat, SlotsAreFilledOnceAndEverythingElseStands) {
        {}},
       {"zero bytes", {"%\0@%1\0$@", 9}, {"%\0@%1\0$@", 9}, {}},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(filledFormat(row.format, {"hall %@", 40, std::string("%2$d%%")}), row.expected);
-    EXPECT_TRUE(formatSlots(row.format) == row.slots);
+  for (const auto& [name, format, expected, slots] : kRows) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(filledFormat(format, {"hall %@", 40, std::string("%2$d%%")}), expected);
+    EXPECT_TRUE(formatSlots(format) == slots);
   }
 }
 

@@ -11,11 +11,8 @@ namespace {
 using namespace std::string_view_literals;
 
 TEST(Text, MalformedPiecesAreReplacedAsTheUnicodeStandardRecommends) {
-  const struct {
-    const char* name;
-    std::string_view bytes;
-    const char* expected;  // with "?" for U+FFFD
-  } kRows[] = {
+  // Last what is expected, with "?" for U+FFFD.
+  const std::tuple<const char*, std::string_view, const char*> kRows[] = {
       // The examples of its chapter 3.9, then the nearest neighbours of what is well formed.
       {"stray and cut", "a\xF1\x80\x80\xE1\x80\xC2\x62\x80\x63\x80\xBF\x64", "a???b?c??d"},
       {"overlong", "\xC0\xAF\xE0\x80\xBF\xF0\x81\x82\x41\xC1\xBF", "????????A??"},
@@ -25,15 +22,15 @@ TEST(Text, MalformedPiecesAreReplacedAsTheUnicodeStandardRecommends) {
       {"too small, too large", "\xE0\x9F\xBF\xF0\x8F\xBF\xBF\xF4\x90\x80\x80\xF5\x80\x80\x80", "???????????????"},
       {"too low or high behind the lead", "\xC2\x7F\xC2\xC0\xF1\x80\x80\x7F\xF1\x80\x80\xC0", "?\x7F???\x7F??"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
+  for (const auto& [name, bytes, pattern] : kRows) {
+    SCOPED_TRACE(name);
     std::string expected;
-    for (const char c : std::string_view(row.expected)) {
+    for (const char c : std::string_view(pattern)) {
       expected += c == '?' ? "\uFFFD"sv : std::string_view(&c, 1);
     }
-    EXPECT_EQ(repairedUTF8(row.bytes), expected);
-    EXPECT_EQ(codePointCount(row.bytes), std::string_view(row.expected).size());
-    EXPECT_FALSE(isValidUTF8(row.bytes));
+    EXPECT_EQ(repairedUTF8(bytes), expected);
+    EXPECT_EQ(codePointCount(bytes), std::string_view(pattern).size());
+    EXPECT_FALSE(isValidUTF8(bytes));
   }
 }
 
@@ -49,12 +46,7 @@ TEST(Text, EveryCharacterReadsBackAndTheImpossibleOnesAreReplaced) {
 }
 
 TEST(Text, CaseIsTheSameUnderEveryProcessLocale) {
-  const struct {
-    const char* name;
-    const char* text;
-    const char* lower;
-    const char* words;
-  } kRows[] = {
+  const std::tuple<const char*, const char*, const char*, const char*> kRows[] = {
       {"dotted letters of Turkish", "IŞIK 9th istanbul", "işik 9th istanbul", "Işik 9th Istanbul"},
       {"beyond U+FFFF", "\U00010400\U00010401", "\U00010428\U00010429", "\U00010400\U00010429"},
       {"no single upper-case letter", "ß", "ß", "ß"},
@@ -64,10 +56,10 @@ TEST(Text, CaseIsTheSameUnderEveryProcessLocale) {
   for (const char* locale : {"C", "C.UTF-8", "tr_TR.UTF-8", "de_DE.ISO-8859-1"}) {
     SCOPED_TRACE(locale);
     setlocale(LC_ALL, locale);  // Where the machine lacks it, the one before is tried again.
-    for (const auto& row : kRows) {
-      SCOPED_TRACE(row.name);
-      EXPECT_EQ(lowercased(row.text), row.lower);
-      EXPECT_EQ(wordsCapitalized(row.text), row.words);
+    for (const auto& [name, text, lower, words] : kRows) {
+      SCOPED_TRACE(name);
+      EXPECT_EQ(lowercased(text), lower);
+      EXPECT_EQ(wordsCapitalized(text), words);
     }
   }
   setlocale(LC_ALL, before.c_str());

@@ -108,11 +108,7 @@ TEST(Value, CutDescriptionEndsBetweenCharacters) {
 }
 
 TEST(Value, DescriptionShowsEachType) {
-  const struct {
-    const char* name;
-    Value value;
-    const char* text;
-  } kRows[] = {
+  const std::tuple<const char*, Value, const char*> kRows[] = {
       {"numbers", List{true, INT64_MIN, 1e300}, "(YES, -9223372036854775808, 1e+300)"},
       {"text inside", List{"a\n\"\\\x1B\xFF"}, "(\"a\\n\\\"\\\\\\x1b\xEF\xBF\xBD\")"},
       {"data", Value::Data{0xAA, 0x00, 0x4B, 0x46, 0xFF}, "<aa004b46 ff>"},
@@ -123,9 +119,8 @@ TEST(Value, DescriptionShowsEachType) {
       {"object", std::make_shared<Lamp>(), "Lamp\xEF\xBF\xBD"},
       {"objects that throw", List{std::make_shared<Lamp>(2), std::make_shared<Lamp>(1)}, "(?\?\?, Lamp)"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(row.value.description(), row.text);
+  for (const auto& [name, value, text] : kRows) {
+    EXPECT_EQ(value.description(), text) << name;
   }
 }
 

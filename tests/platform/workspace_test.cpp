@@ -2,10 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <sys/stat.h>
-
-#include <filesystem>
-#include <utility>
 
 #include "platform/desktop_entries.h"
 #include "tests/support/fork.h"
@@ -14,15 +10,13 @@
 namespace SharedClasses::platform {
 namespace {
 
+using namespace std::string_literals;
 using Names = std::vector<std::string>;
 using Files = std::vector<std::pair<std::string, std::string>>;
 
 TEST(Workspace, AnEntryNamesTheProgramThatItStarts) {
-  const struct {
-    const char* name;
-    std::string lines;
-    std::string program;  // empty: no entry
-  } kRows[] = {
+  // Last the program, empty where there is no entry.
+  const std::tuple<const char*, std::string, std::string> kRows[] = {
       {"with field codes", "Exec=gedit %U", "gedit"},
       {"blanks around the equals sign, CRLF", "Exec =  gedit\r", "gedit"},
       {"quoted, with escapes of both levels", R"(Exec="/opt/my \\"best\\" \\$ed/x" %f)", R"(/opt/my "best" $ed/x)"},
@@ -33,17 +27,17 @@ TEST(Workspace, AnEntryNamesTheProgramThatItStarts) {
       {"a shell, which would execute the script", "Exec=/bin/sh -c \"exec emacs \\\"$@\\\"\" sh %F", ""},
       {"an interpreter of a version, behind env", "Exec=env A=b /usr/bin/python3.11 %F", ""},
       {"a word of its own before the file", "Exec=unknown -x /usr/lib/idle.py %F", ""},
-      {"env with options", "Exec=/usr/bin/env -i gedit", ""},
+      {"env with options", "Exec=/usr/bin/env --split-string=sh gedit", ""},
       {"quotes that are never closed", "Exec=\"gedit %U", ""},
       {"nothing but field codes", "Exec=%f %U", ""},
       {"deleted", "Exec=gedit\nHidden=true", ""},
       {"a NUL", "Exec=ge" + std::string(1, '\0') + "dit", ""},
       {"ends within an escape", "Exec=gedit\\", "gedit\\"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
-    const std::optional<DesktopEntry> entry = parseDesktopEntry("[Desktop Entry]\nType=Application\n" + row.lines);
-    EXPECT_EQ(entry ? entry->program : "", row.program);
+  for (const auto& [name, lines, program] : kRows) {
+    SCOPED_TRACE(name);
+    const std::optional<DesktopEntry> entry = parseDesktopEntry("[Desktop Entry]\nType=Application\n" + lines);
+    EXPECT_EQ(entry && entry->opensItself ? entry->program : "", program);
   }
 }
 
@@ -62,8 +56,8 @@ std::string entry(const std::string& program, const std::string& types, const st
   return "[Desktop Entry]\nType=Application\nExec=" + program + " %F\nMimeType=" + types + "\n" + more + "\n";
 }
 
-// On a desktop with the programs writer, kate, vim, geany and python, of which nothing is the default.
-std::string editorWith(const Files& moreFiles) {
+// What `find` finds on a desktop with the programs writer, kate, vim, geany and python, none of which is the default.
+std::string programFoundBy(const std::function<std::string(const DesktopFolders&)>& find, const Files& moreFiles) {
   const tests::TemporaryFolder folder;
   const auto in = [&](const char* name) { return folder.path() + "/" + name; };
   Files files = {
@@ -76,28 +70,28 @@ std::string editorWith(const Files& moreFiles) {
   };
   files.insert(files.end(), moreFiles.begin(), moreFiles.end());
   for (const auto& [name, text] : files) {
-    const std::string path = folder.write(name, text);
-    EXPECT_TRUE(text != kPipe || (std::filesystem::remove(path) && ::mkfifo(path.c_str(), 0600) == 0));
+    text == kPipe ? folder.makePipe(name) : folder.write(name, text);
   }
-  for (const char* program : {"bin/python", "bin/writer", "bin/vim", "bin/kate", "bin/geany"}) {
-    std::filesystem::permissions(folder.write(program, ""), std::filesystem::perms::owner_all);
+  for (const char* program : {"bin/python", "bin/writer", "bin/vim", "bin/kate", "bin/geany", "bin/konsole"}) {
+    folder.writeProgram(program);
   }
   const std::filesystem::path workingFolder = std::filesystem::current_path();
   std::filesystem::current_path(folder.path());  // where relative paths would lead to something
-  const std::string path = editorOfScripts({.configFolders = {in("home"), in("etc"), "relative"},
-                                            .dataFolders = {in("own"), in("none"), in("sys")},
-                                            .desktops = {"Ubuntu", "GNOME"},
-                                            .programFolders = {"bin", in("none"), in("bin")}});
+  const std::string path = find({.configFolders = {in("home"), in("etc"), "relative"},
+                                 .dataFolders = {in("own"), in("none"), in("sys")},
+                                 .desktops = {"Ubuntu", "GNOME"},
+                                 .programFolders = {"bin", in("none"), in("bin")}});
   std::filesystem::current_path(workingFolder);
   return path.starts_with(in("bin/")) ? path.substr(in("bin/").size()) : path;
 }
 
+std::string editorWith(const Files& files) {
+  return programFoundBy(editorOfScripts, files);
+}
+
 TEST(Workspace, ScriptsAreEditedInWhatTheDesktopNamesElseInAnAssociatedEditor) {
-  const struct {
-    const char* name;
-    Files files;
-    std::string program;  // empty: none
-  } kRows[] = {
+  // Last the program, empty for none.
+  const std::tuple<const char*, Files, std::string> kRows[] = {
       {"no default: not the interpreter, not the word processor, not in a terminal", {}, "kate"},
       {"a terminal rather than nothing", {{kHomeList, kPlainIsNot + "kate.desktop"}}, "vim"},
       {"nothing", {{kHomeList, kPlainIsNot + "kate.desktop;" + kVim + "\ntext/x-python=" + kVim}}, ""},
@@ -116,9 +110,8 @@ TEST(Workspace, ScriptsAreEditedInWhatTheDesktopNamesElseInAnAssociatedEditor) {
       {"pipes for files", {{kHomeList, kPipe}, {kOwnKate, kPipe}, {kSystemCache, kPipe}}, "kate"},
       {"a list beyond the limit", {{kHomeList, std::string(1 << 20, '\n') + kPlainIs + kVim}}, "kate"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(editorWith(row.files), row.program);
+  for (const auto& [name, files, program] : kRows) {
+    EXPECT_EQ(editorWith(files), program) << name;
   }
 }
 
@@ -132,6 +125,94 @@ TEST(Workspace, ListsOfTheUserStandBeforeTheMachinesAndThoseOfTheFirstDesktopBef
     files.emplace_back(list, kPlainIs + (isEven ? kWriter : kVim));
     EXPECT_EQ(editorWith(files), isEven ? "writer" : "vim") << list;
   }
+}
+
+TEST(Workspace, AProgramIsFoundByTheFileOfItsEntryThenByTheNameOnShowThenInTheFolders) {
+  const Files kFiles = {{"own/applications/k/kate.desktop", entry("kate", "", "Name=Second")},
+                        {kSystemKate, entry("writer", "", "Name=k-kate")},
+                        {"sys/applications/vim.desktop", entry("geany", "")},
+                        {"sys/applications/w1.desktop", entry("writer", "", "Name=Text Editor\nName[de]=Editor")},
+                        {"sys/applications/w2.desktop", entry("vim", "", "Name=text editor")},
+                        {"sys/applications/w3.desktop", entry("gone", "", "Name=TEXT EDITOR")},
+                        {"own/applications/dropped.desktop", "[Desktop Entry]\nHidden=true"},
+                        {"sys/applications/dropped.desktop", entry("vim", "", "Name=Dropped")},
+                        {"sys/applications/python.desktop", entry("python", "", "Name=Python")},
+                        {"sys/applications/s1.desktop", entry("konsole", "", "Name=Terminal")},
+                        {"sys/applications/s2.desktop", entry("konsole -e vim", "", "Name=In a Terminal")},
+                        {"sys/applications/s3.desktop", entry("kate --class K", "", "Name=\xFE")},
+                        {"sys/applications/s4.desktop", entry("vim " + std::string(65536, ' '), "", "Name=Long")},
+                        {"sys/applications/1/2/3/4/5/6/7/8/deep.desktop", entry("vim", "")},
+                        {"sys/applications/1/2/3/4/5/6/7/8/9/deeper.desktop", entry("vim", "")}};
+  const std::pair<std::string, Names> kRows[] = {
+      {"kate", {"kate", "kate.desktop", "k-kate", "Second", "\xFE"}},
+      {"konsole", {"Terminal"}},
+      {"geany", {"vim"}},
+      {"writer", {"Text Editor", "TEXT EDITOR"}},
+      {"vim", {"text editor", "deep"}},
+      {"python", {"python"}},
+      {"",
+       {"", "Editor", "dropped", "Python", "deeper", "unusable", "/bin/ls", "../bin/vim", "vim\0"s, "In a Terminal",
+        "\xFF", "Long"}},
+  };
+  for (const auto& [program, names] : kRows) {
+    for (const std::string& name : names) {
+      const auto find = [&name](const DesktopFolders& folders) { return pathOfProgram(name, folders); };
+      EXPECT_EQ(programFoundBy(find, kFiles), program) << name;
+    }
+  }
+}
+
+// A folder with openers that run `script`.
+struct Openers {
+  explicit Openers(const Names& names, const std::string& script = "") {
+    for (const std::string& name : names) {
+      folder.writeProgram(name, script);
+    }
+  }
+  [[nodiscard]] bool open(const std::string& address) const {
+    return openAddress(address, {{}, {}, {}, {"relative", folder.path()}});
+  }
+  tests::TemporaryFolder folder;
+};
+
+TEST(Workspace, AddressesBeginWithASchemeAndHoldNothingThatCouldPartThem) {
+  const Openers openers({"xdg-open"});
+  for (const std::string& address : {"x:" + std::string(65534, 'y'), "http://\xC3\xA9"s, "aZ9+-.:"s}) {
+    EXPECT_TRUE(openers.open(address)) << address;
+  }
+  for (const std::string& address :
+       {"x:" + std::string(65535, 'y'), ""s, ":x"s, "3x:y"s, "-x:y"s, "/etc/passwd"s, "example.com"s, "\xC3\xA9:x"s,
+        "x:a b"s, "x:\xE2\x80\xA8"s, "x:\n"s, "x:\0"s, "x:\xC2\x9B"s, "x:\xFF"s}) {
+    EXPECT_FALSE(openers.open(address)) << address;
+  }
+  EXPECT_FALSE(Openers({"other"}).open("x:y"));
+}
+
+// Each tells through a pipe how it was started.
+TEST(Workspace, AnOpenerRunsByItselfAndGetsTheAddressAsItIs) {
+  const std::string kAddress = "x:$(id)`id`;'\"*?&|>y\\";
+  const tests::TemporaryFolder folder;
+  const std::string pipe = folder.makePipe("pipe");
+  const std::string script =
+      "exec >" + pipe + "\nprintf '<%s>' \"${0##*/}\" \"$@\"; cd /proc/$$/fd; readlink 0 2; ls 99\n" +
+      "read -r id name state parent group session rest <../stat\n[ $session = $$ ] || echo $session" +
+      "\n[ $parent != " + std::to_string(::getpid()) + " ] || echo $parent";
+  ASSERT_EQ(::dup2(STDIN_FILENO, 99), 99);
+  const pid_t child = tests::lastChild();
+  for (const Names& names : {Names{"gio", "xdg-open"}, Names{"gio"}}) {
+    const Openers openers(names, script);
+    ASSERT_TRUE(openers.open(kAddress));
+    EXPECT_EQ(tests::lastChild(), child) << "left as a child of ours";
+    std::ifstream told(pipe);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(told), {}),
+              (names.size() > 1 ? "<xdg-open><" : "<gio><open><") + kAddress + ">/dev/null\n/dev/null\n");
+  }
+  ::close(99);
+}
+
+TEST(Workspace, ThatAnOpenerWasStartedIsToldEvenWhereTheHostTakesTheEndsOfChildrenAway) {
+  const auto open = [] { return ::signal(SIGCHLD, SIG_IGN) != SIG_ERR && Openers({"xdg-open"}).open("x:y"); };
+  EXPECT_EQ(tests::statusInFork(open), 1);
 }
 
 TEST(Workspace, TheFoldersAreTheUsersBeforeTheMachines) {

@@ -80,10 +80,7 @@ TEST(FourCharCodes, ShortTextsAreNotPaddedAndHighCharactersSpill) {
   EXPECT_EQ(stringFromFourCharCode(0x41004243), "A") << "a zero byte ends the text";
   EXPECT_EQ(stringFromFourCharCode(0xC3A92020), "é  ");
   EXPECT_EQ(stringFromFourCharCode(0x414243C3), "") << "bytes that are no text give none";
-  const struct {
-    std::string_view name, text;
-    std::uint32_t code;
-  } kRows[] = {
+  const std::tuple<std::string_view, std::string_view, std::uint32_t> kRows[] = {
       {"empty", "", 0},
       {"two characters", "On", 0x4F6E0000},
       {"more than four", "On  and off", 0x4F6E2020},
@@ -93,10 +90,10 @@ TEST(FourCharCodes, ShortTextsAreNotPaddedAndHighCharactersSpill) {
       {"beyond the 16-bit characters", "\U0001F441bcd", 0x41626364},
       {"broken UTF-8 reads as U+FFFD", "\xFF", 0xFD000000},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(fourCharCodeFromString(row.text), row.code);
-    EXPECT_EQ(fourCharCodeFromString(std::string(row.text)), row.code);
+  for (const auto& [name, text, code] : kRows) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(fourCharCodeFromString(text), code);
+    EXPECT_EQ(fourCharCodeFromString(std::string(text)), code);
   }
   EXPECT_EQ(fourCharCodeFromString(static_cast<const char*>(nullptr)), 0U);
 }
@@ -115,11 +112,7 @@ struct Thing : platform::Object {
 TEST(FourCharCodes, ValuesOfEveryKindHaveAnAnswer) {
   const auto thing = [](Value name, Value code) { return std::make_shared<Thing>(std::move(name), std::move(code)); };
   constexpr std::uint32_t kDim = 0x44696D20;
-  const struct {
-    const char* name;
-    Value value;
-    std::uint32_t fromString, fromObject;
-  } kRows[] = {
+  const std::tuple<const char*, Value, std::uint32_t, std::uint32_t> kRows[] = {
       {"absent", {}, 0, 0},
       {"text", "Dim ", kDim, kDim},
       {"number above 32 bits", 0x144696D20, kDim, kDim},
@@ -131,10 +124,10 @@ TEST(FourCharCodes, ValuesOfEveryKindHaveAnAnswer) {
       {"action that throws", thing("DimAction", {}), 0, 0},
       {"object that throws for its class", thing({}, kDim), 0, 0},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(fourCharCodeFromString(row.value), row.fromString);
-    EXPECT_EQ(fourCharCodeFromObject(row.value), row.fromObject);
+  for (const auto& [name, value, fromString, fromObject] : kRows) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(fourCharCodeFromString(value), fromString);
+    EXPECT_EQ(fourCharCodeFromObject(value), fromObject);
   }
 }
 

@@ -1,6 +1,7 @@
 #include "shared/preferences.h"
 
 #include <gtest/gtest.h>
+#include <pwd.h>
 
 #include <cmath>
 #include <cstdint>
@@ -14,11 +15,10 @@
 #include "tests/support/temporary_folder.h"
 
 namespace SharedClasses::tests {
-namespace {
 
 using platform::Value;
 
-// A machine whose location, home and desktop are the test's own. Puts no variable back: no other test relies on them.
+// A machine whose location, settings and desktop are the test's own. Puts no variable back: no other test relies on them.
 class PreferencesTest : public testing::Test {
  protected:
   PreferencesTest() {
@@ -55,12 +55,13 @@ constexpr std::string_view kFirstStart =
 TEST_F(PreferencesTest, FirstStartWritesEveryDefaultOnce) {
   platform::setMachineLocation({{-33.8675, 151.2070}});
   const Preferences preferences;
+  const std::string home = ::getpwuid(::geteuid())->pw_dir;
   std::string written;
   for (const std::string& key : mStore->written) {
     const Value value = mStore->value(key);
     std::string text = value.description() + (value.type() == Value::Type::Real ? ".0" : "");
-    if (text.starts_with(mHome.path())) {
-      text.replace(0, mHome.path().size(), "~");
+    if (text.starts_with(home)) {
+      text.replace(0, home.size(), "~");
     }
     written += key + "=" + text + "; ";
     EXPECT_EQ(value, Preferences::defaultValue(key)) << key;
@@ -72,21 +73,14 @@ TEST_F(PreferencesTest, FirstStartWritesEveryDefaultOnce) {
 }
 
 TEST_F(PreferencesTest, ScriptsOpenInTheEditorThatTheDesktopNames) {
-  const std::string editor = mHome.write("bin/edit", "#!/bin/sh\n");
-  std::filesystem::permissions(editor, std::filesystem::perms(0755));
+  const std::string editor = mHome.writeProgram("bin/edit");
   mHome.write("mimeapps.list", "[Default Applications]\ntext/plain=edit.desktop\n");
   mHome.write("applications/edit.desktop", "[Desktop Entry]\nType=Application\nName=Edit\nExec=" + editor + " %F\n");
   EXPECT_EQ(Preferences::defaultValue("scriptEditor"), Value(editor));
 }
 
 TEST_F(PreferencesTest, EveryStartIsCounted) {
-  struct Row {
-    const char* name;
-    Value before;
-    std::int64_t after;
-    bool isFirst;
-  };
-  const Row rows[] = {
+  const std::tuple<const char*, Value, std::int64_t, bool> rows[] = {
       {"first", {}, 1, true},
       {"second", 1, 2, false},
       {"less than none", -5, -4, true},
@@ -94,13 +88,13 @@ TEST_F(PreferencesTest, EveryStartIsCounted) {
       {"a text that goes on", " 7 starts", 8, false},
       {"a list", Value::List{7}, 1, true},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    const StandardStore store({{"runCount", row.before}});
+  for (const auto& [name, before, after, isFirst] : rows) {
+    SCOPED_TRACE(name);
+    const StandardStore store({{"runCount", before}});
     const Preferences preferences;
-    EXPECT_EQ(preferences.get("runCount"), Value(row.after));
-    EXPECT_EQ(preferences.isFirstRun(), row.isFirst);
-    EXPECT_EQ(store->settings.size(), row.before.isAbsent() ? 62U : 1U);
+    EXPECT_EQ(preferences.get("runCount"), Value(after));
+    EXPECT_EQ(preferences.isFirstRun(), isFirst);
+    EXPECT_EQ(store->settings.size(), before.isAbsent() ? 62U : 1U);
   }
 }
 
@@ -181,5 +175,4 @@ TEST_F(PreferencesTest, RootUsesTheSettingsOfTheUserWhomTheAgentServes) {
   EXPECT_EQ(statusInFork(again), 0);
 }
 
-}  // namespace
 }  // namespace SharedClasses::tests

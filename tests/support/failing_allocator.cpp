@@ -3,25 +3,29 @@
 #include <cstddef>
 #include <new>
 
-static thread_local int sUntilFailure = 0;  // allocations, the one that fails included; 0: none fails any more
-static thread_local long sLiveArrays = 0;
+namespace SharedClasses::tests {
+thread_local int gUntilFailure = 0;
+thread_local long gLiveArrays = 0;
+}  // namespace SharedClasses::tests
+
+using namespace SharedClasses::tests;
 
 // Over the forms for single objects, so that whoever stands in for those counts arrays too.
 void* operator new[](std::size_t size) {
   void* const memory = ::operator new(size);
-  ++sLiveArrays;
+  ++gLiveArrays;
   return memory;
 }
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  if (sUntilFailure > 0 && --sUntilFailure == 0) {
+  if (gUntilFailure > 0 && --gUntilFailure == 0) {
     return nullptr;
   }
   void* const memory = ::operator new(size, std::nothrow);
-  sLiveArrays += memory != nullptr ? 1 : 0;
+  gLiveArrays += memory != nullptr ? 1 : 0;
   return memory;
 }
 void operator delete[](void* memory) noexcept {
-  sLiveArrays -= memory != nullptr ? 1 : 0;
+  gLiveArrays -= memory != nullptr ? 1 : 0;
   ::operator delete(memory);
 }
 void operator delete[](void* memory, std::size_t) noexcept {
@@ -30,23 +34,3 @@ void operator delete[](void* memory, std::size_t) noexcept {
 void operator delete[](void* memory, const std::nothrow_t&) noexcept {
   ::operator delete[](memory);
 }
-
-namespace SharedClasses::tests {
-
-FailingAllocation::FailingAllocation(int ordinal) {
-  sUntilFailure = ordinal;
-}
-
-FailingAllocation::~FailingAllocation() {
-  sUntilFailure = 0;
-}
-
-bool FailingAllocation::hasFailed() const {
-  return sUntilFailure == 0;
-}
-
-long liveArrays() {
-  return sLiveArrays;
-}
-
-}  // namespace SharedClasses::tests

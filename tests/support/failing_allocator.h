@@ -1,5 +1,5 @@
 // Lets one allocation of `new (std::nothrow) T[]` fail, to show what an operation leaves behind when memory runs out.
-// The test program's own array forms of operator new stand behind it; they behave as usual while no FailingAllocation lives.
+// The test program's own array forms of operator new stand behind it; they behave as usual while nothing is to fail.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,20 +9,8 @@
 
 namespace SharedClasses::tests {
 
-// Of this thread, one at a time.
-class FailingAllocation {
- public:
-  // The `ordinal`-th allocation from now on fails (the first is 1), those before and behind it do not.
-  explicit FailingAllocation(int ordinal);
-  FailingAllocation(const FailingAllocation&) = delete;
-  FailingAllocation& operator=(const FailingAllocation&) = delete;
-  ~FailingAllocation();
-
-  [[nodiscard]] bool hasFailed() const;
-};
-
-// The arrays that this thread has made and not released.
-long liveArrays();
+extern thread_local int gUntilFailure;  // allocations of this thread, the one that fails included; 0: none fails
+extern thread_local long gLiveArrays;   // that this thread has made and not released
 
 // A row of a table of changes to values of one class.
 template <typename Value>
@@ -43,18 +31,17 @@ void expectChange(const Change<Value>& row, Shown shown) {
   bool failed = true;
   for (int ordinal = 1; failed; ++ordinal) {
     SCOPED_TRACE("allocation " + std::to_string(ordinal));
-    const long arrays = liveArrays();
+    const long arrays = gLiveArrays;
     {
       Value value;
       value = row.before;
-      {
-        const FailingAllocation failing(ordinal);
-        row.change(value);
-        failed = failing.hasFailed();
-      }
+      gUntilFailure = ordinal;
+      row.change(value);
+      failed = gUntilFailure == 0;
+      gUntilFailure = 0;
       EXPECT_EQ(shown(value), failed ? withoutMemory : row.after);
     }
-    EXPECT_EQ(liveArrays(), arrays);
+    EXPECT_EQ(gLiveArrays, arrays);
   }
 }
 

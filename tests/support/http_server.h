@@ -7,19 +7,16 @@
 #include <sys/prctl.h>
 #include <sys/socket.h>
 
-#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "tests/support/fork.h"
-#include "tests/support/temporary_folder.h"
 
 namespace SharedClasses::tests {
 
@@ -30,8 +27,8 @@ inline std::string httpAnswer(std::string_view body, std::string_view status = "
          "\r\n" + std::string(headers) + "\r\n" + std::string(body);
 }
 
-// Lives until the object or the thread that made it ends. Meanwhile curl uses no proxy and reads no .curlrc of whoever runs
-// the tests; of several servers, the last one ends first.
+// Lives until the object or the thread that made it ends. From the first one on, curl uses no proxy and reads no .curlrc of
+// whoever runs the tests.
 class HTTPServer {
  public:
   // One client's connection, whose request has been read.
@@ -41,14 +38,7 @@ class HTTPServer {
 
     // False once the client has gone.
     bool send(std::string_view bytes) const {
-      while (!bytes.empty()) {
-        const ssize_t count = ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-        if (count <= 0) {
-          return false;
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(count));
-      }
-      return true;
+      return ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(bytes.size());
     }
     // Whether the client goes within `milliseconds`; -1 waits for ever.
     [[nodiscard]] bool clientGoes(int milliseconds) const {
@@ -60,8 +50,8 @@ class HTTPServer {
   using Answer = std::function<void(const Connection&)>;
 
   explicit HTTPServer(Answer answer) {
-    mCurlHome.write(".curlrc", "");  // without the file, curl goes on to HOME
-    swapEnvironment();
+    ::setenv("CURL_HOME", SOURCE_FOLDER "/tests/support", 1);  // has a .curlrc, without which curl goes on to HOME
+    ::setenv("no_proxy", "*", 1);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -86,7 +76,6 @@ class HTTPServer {
       ::kill(mProcess, SIGKILL);
       static_cast<void>(statusOfChild(mProcess));
     }
-    swapEnvironment();
   }
 
   // Never says a word.
@@ -130,19 +119,6 @@ class HTTPServer {
     }
   }
 
-  // Each variable for its other value; absent for none.
-  void swapEnvironment() {
-    for (auto& [name, other] : mEnvironment) {
-      const char* const present = std::getenv(name);
-      const auto kept = present == nullptr ? std::nullopt : std::optional<std::string>(present);
-      other ? ::setenv(name, other->c_str(), 1) : ::unsetenv(name);
-      other = kept;
-    }
-  }
-
-  TemporaryFolder mCurlHome;
-  std::array<std::pair<const char*, std::optional<std::string>>, 2> mEnvironment{
-      {{"CURL_HOME", mCurlHome.path()}, {"no_proxy", "*"}}};
   std::uint16_t mPort = 0;
   pid_t mProcess = -1;
 };

@@ -1,7 +1,9 @@
-// A program that only sleeps, under a name and as a user of choice.
+// A program that only sleeps, under a name and as a user of choice, and turns for tests of what others look for.
 #pragma once
 
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -52,6 +54,20 @@ class NamedSleeper {
   pid_t mProcess = 0;
   int mStatus = 0;
   bool mHasEnded = false;
+};
+
+// Waits until no other test on this machine has its turn, and has it while it lives.
+class Turn {
+ public:
+  Turn() : mFolder(::open(std::filesystem::temp_directory_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    ::flock(mFolder, LOCK_EX);
+  }
+  Turn(const Turn&) = delete;
+  Turn& operator=(const Turn&) = delete;
+  ~Turn() { ::close(mFolder); }
+
+ private:
+  int mFolder;
 };
 
 }  // namespace SharedClasses::tests

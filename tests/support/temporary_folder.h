@@ -1,6 +1,8 @@
 // A folder of its own for one test, removed with all that is in it at the end.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -35,6 +37,17 @@ class TemporaryFolder {
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << bytes;
     return file.string();
+  }
+  // The same for a script of the shell, which can be run.
+  std::string writeProgram(const std::string& name, std::string_view script = "") const {
+    const std::string program = write(name, "#!/bin/sh\n" + std::string(script));
+    std::filesystem::permissions(program, std::filesystem::perms(0755));
+    return program;
+  }
+  // A named pipe, in the place of a file that is there.
+  std::string makePipe(const std::string& name) const {
+    const std::string pipe = write(name, "");
+    return std::filesystem::remove(pipe) && ::mkfifo(pipe.c_str(), 0600) == 0 ? pipe : "no pipe";
   }
 
  private:

@@ -1,8 +1,12 @@
-// The tool `marlow` as a child process: arguments and input in, output and exit code out.
+// The tool `marlow` as another process: arguments and input in, outputs and exit code out.
 #pragma once
 
-#include <sys/types.h>
+#include <sys/wait.h>
 
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <regex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,46 +15,37 @@
 
 namespace SharedClasses::tests {
 
-class Tool {
- public:
-  // Starts `marlow` with `arguments`, English texts and open pipes to its standard streams. `home` is the user's home folder
-  // and holds the settings; empty for a fresh one.
-  explicit Tool(std::vector<std::string> arguments, const std::string& home = {});
-  Tool(const Tool&) = delete;
-  Tool& operator=(const Tool&) = delete;
-  ~Tool();
+// What a shell runs it by: with English texts, half a minute at most, with neither settings nor texts of whoever runs
+// the tests. `home` is the user's home folder and holds the settings.
+inline std::string toolCommand(const std::vector<std::string>& arguments, const std::string& home) {
+  std::string command = "timeout 30 env -i PATH=\"$PATH\" LANGUAGE=en";
+  std::vector<std::string> words{"HOME=" + home, "XDG_CONFIG_HOME=" + home + "/.config",
+                                 "XDG_CONFIG_DIRS=" + home + "/etc", "XDG_DATA_HOME=" + home + "/.local/share",
+                                 PROGRAM_FOLDER "/marlow"};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  for (const std::string& word : words) {
+    command += " '" + std::regex_replace(word, std::regex("'"), "'\\''") + "'";
+  }
+  return command;
+}
 
-  void write(std::string_view input);  // a few lines: more than a pipe holds has to go through finish()
-
-  // The next line of standard output, without its line break; waits for it at most ten seconds, then gives "(no line)".
-  std::string readLine();
-
-  // Writes `input`, closes the input, reads both outputs to their end and waits.
-  void finish(std::string_view input = {});
-
-  [[nodiscard]] const std::string& output() const { return mOutput; }  // what readLine() has not taken
-  [[nodiscard]] const std::string& complaints() const { return mComplaints; }
-  [[nodiscard]] int exitCode() const { return mExitCode; }  // 128 and more: ended by a signal
-
- private:
-  void closeInput();
-
-  TemporaryFolder mFreshHome;
-  pid_t mChild = -1;
-  int mInput = -1;
-  int mOutputEnd = -1;
-  int mComplaintsEnd = -1;
-  std::string mOutput;
-  std::string mComplaints;
-  int mExitCode = -1;
-};
-
-// Runs the tool to its end on `input`.
 struct ToolResult {
-  std::string output;
-  std::string complaints;
-  int exitCode;
+  std::string output, complaints;
+  int exitCode;  // 128 and more: ended by a signal
 };
-ToolResult runTool(std::vector<std::string> arguments, std::string_view input = {}, const std::string& home = {});
+
+// Runs the tool to its end on `input`; with an empty `home` in a fresh one.
+inline ToolResult runTool(const std::vector<std::string>& arguments, std::string_view input = {},
+                          const std::string& home = {}) {
+  const TemporaryFolder fresh, streams;
+  const auto contentsOf = [](const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+  };
+  const std::string given = streams.write("input", input), output = given + ".output", complaints = given + ".errors";
+  const std::string command = "cat " + given + " | " + toolCommand(arguments, home.empty() ? fresh.path() : home);
+  const int status = std::system((command + " >" + output + " 2>" + complaints).c_str());
+  return {contentsOf(output), contentsOf(complaints), WEXITSTATUS(status)};
+}
 
 }  // namespace SharedClasses::tests

@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <stdexcept>
-#include <tuple>
 
 #include "platform/run_loop.h"
 #include "tests/support/captured_log.h"

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 namespace SharedClasses {
 namespace {
 
@@ -77,12 +75,8 @@ TEST(VersionDocument, WhatIsNewerIsListedInItsOrderAndTheLastComparisonIsTold) {
 }
 
 TEST(VersionDocument, WhatIsNotOnOfferIsClearedAndTheRestHandedOn) {
-  const struct {
-    const char* entry;
-    const char* key;
-    const char* text;
-    Value::Dictionary kept;
-  } kRows[] = {
+  // The entry, its key and text, and what is kept.
+  const std::tuple<std::string, const char*, const char*, Value::Dictionary> kRows[] = {
       {"release", "cost", "a placeholder.", {{"type", "Latest"}, {"cost", ""}}},
       {"release", "cost", "Placeholder", {{"type", "Latest"}, {"cost", "Placeholder"}}},
       {"release", "url", "placeholder", {{"type", "Latest"}, {"url", "placeholder"}}},
@@ -93,13 +87,12 @@ TEST(VersionDocument, WhatIsNotOnOfferIsClearedAndTheRestHandedOn) {
       {"test", "url", "http://placeholder/", {{"type", "Test"}, {"url", ""}}},
       {"test", "version", "placeholder", {{"type", "Test"}, {"version", "placeholder"}, {"", "version"}}},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(std::string(row.entry) + ' ' + row.key + ' ' + row.text);
-    const VersionDocument document =
-        versionDocumentFromText("<dict>" + entry(row.entry, row.key, row.text) + "</dict>");
+  for (const auto& [type, key, text, kept] : kRows) {
+    SCOPED_TRACE(type + ' ' + key + ' ' + text);
+    const VersionDocument document = versionDocumentFromText("<dict>" + entry(type, key, text) + "</dict>");
     const Value::Dictionary* const entries[] = {&document.release, &document.update, &document.test};
     for (const Value::Dictionary* const each : entries) {
-      EXPECT_EQ(*each, each == entries[std::string_view("rut").find(row.entry[0])] ? row.kept : Value::Dictionary());
+      EXPECT_EQ(*each, each == entries[std::string_view("rut").find(type[0])] ? kept : Value::Dictionary());
     }
   }
 }

@@ -57,7 +57,7 @@ HTTPServer::Answer says(const std::string& body, const std::string& status = "20
   return [=](const HTTPServer::Connection& connection) { connection.send(httpAnswer(body, status)); };
 }
 
-// The versions that are newer, and behind a colon the texts of release, update and test: "2.1 : V2.1 - -". It begins with a
+// The versions that are newer, and behind a colon the texts of release, update and test: "2.1 : V2.1 - -". Begins with a
 // question mark where no answer was evaluated, or too long ago.
 std::string told(VersionManager& manager) {
   std::string text = manager.gotVersionInfo() ? "" : "? ";
@@ -112,11 +112,8 @@ class VersionManagerTest : public testing::Test {
 TEST_F(VersionManagerTest, TheFirstCheckComesAtOnceWhenOverdueAndEachFurtherOneAfterTheInterval) {
   const double now = 1'000'000;
   constexpr std::chrono::weeks kWeek(1);
-  const struct {
-    const char* name;
-    Value interval, lastCheck;
-    nanoseconds first, further;
-  } kRows[] = {
+  // The settings, and the spans to the first check and the second.
+  const std::tuple<const char*, Value, Value, nanoseconds, nanoseconds> kRows[] = {
       {"all for the first time", {}, {}, seconds(1), kWeek},
       {"never checked", 3600, 0, seconds(1), seconds(3600)},
       {"overdue by a second", 3600, now - 3601, seconds(1), seconds(3600)},
@@ -126,19 +123,19 @@ TEST_F(VersionManagerTest, TheFirstCheckComesAtOnceWhenOverdueAndEachFurtherOneA
       {"interval with a fraction", 2.5, now, std::chrono::milliseconds(2500), std::chrono::milliseconds(2500)},
       {"interval negative", -5, now, seconds(1), seconds(1)},
       {"interval no number", NAN, now, seconds(1), seconds(1)},
-      {"no interval", {}, now, kWeek, kWeek},
+      {"interval a yes", true, now, kWeek, kWeek},
       {"interval a word", "weekly", now, kWeek, kWeek},
       {"interval a text", "3600", now, seconds(3600), seconds(3600)},
       {"interval without end", HUGE_VAL, 0, std::chrono::years(100), std::chrono::years(100)},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
+  for (const auto& [name, interval, lastCheck, first, further] : kRows) {
+    SCOPED_TRACE(name);
     mClock.move(seconds(1'000'000) - (mClock.steadyTime() - std::chrono::hours(1)));
-    set(true, row.interval, row.lastCheck);
-    run([&] {
+    set(true, interval, lastCheck);
+    run([this, first = first, further = further] {
       const VersionManager manager;
-      EXPECT_EQ(checksAfter(row.first), 1);
-      EXPECT_EQ(checksAfter(row.further), 1);
+      EXPECT_EQ(checksAfter(first), 1);
+      EXPECT_EQ(checksAfter(further), 1);
     });
   }
   EXPECT_EQ(mLog.messages().at(0), "autoCheckVersions threw std::runtime_error.");

@@ -4,11 +4,8 @@
 
 #include <array>
 #include <cstdio>
-#include <memory>
 #include <random>
 #include <sstream>
-#include <tuple>
-#include <vector>
 
 #include "tests/support/main_bundle.h"
 #include "tests/support/temporary_folder.h"

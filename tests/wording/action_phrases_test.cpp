@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "tests/support/main_bundle.h"
 #include "tests/support/temporary_folder.h"
 
@@ -85,10 +83,8 @@ TEST(ActionPhrases, VerbsAreFoundByCodeAndTense) {
 "keyAll+RSM" = "single"; "keyAll+RPM" = "many"; "keyPlayPast" = "wrong table"; "keyPlayRSM" = "wrong route";)",
       R"("keyPlayPast" = "past"; "keyPlayPresent" = "present"; "keyPlayFuture" = "FUTURE";
 "keykNetworkAvailPast" = "there"; "keyOperatePast" = "operated"; "keyOn  ASM" = "wrong table";)");
-  const struct {
-    const char* code;
-    std::vector<const char*> expected;  // from tense -2 upward
-  } kRows[] = {
+  // The verbs from tense -2 upward.
+  const std::pair<const char*, std::vector<const char*>> kRows[] = {
       {"On  ", {"A", "A", "R", "G", "I", "O", "A"}},
       {"Play", {"FUTURE", "past", "present", "FUTURE", "FUTURE", "FUTURE", "FUTURE"}},
       {"Off ", {"'Off '", "'Off '", "rpm"}},
@@ -97,9 +93,9 @@ TEST(ActionPhrases, VerbsAreFoundByCodeAndTense) {
       {"Net+", {"", "there"}},
       {"on  ", {"", "operated"}},
   };
-  for (const auto& row : kRows) {
-    for (std::int32_t tense = -2; const char* expected : row.expected) {
-      EXPECT_EQ(verbStringForActionCode({fourCharCodeFromString(row.code), tense++}), expected) << row.code;
+  for (const auto& [code, verbs] : kRows) {
+    for (std::int32_t tense = -2; const char* expected : verbs) {
+      EXPECT_EQ(verbStringForActionCode({fourCharCodeFromString(code), tense++}), expected) << code;
     }
   }
 }

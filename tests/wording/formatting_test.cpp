@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdlib>
 #include <sstream>
 #include <stdexcept>
-#include <tuple>
 
 #include "platform/user_locale.h"
 #include "tests/support/captured_log.h"
@@ -19,7 +17,6 @@
 #include "wording/time_pattern.h"
 
 namespace SharedClasses::Utilities {
-namespace {
 
 using platform::CalendarDate;
 using platform::Value;
@@ -185,6 +182,7 @@ TEST(WordingCommands, TakeOperandsOrLinesAndNameWhatIsBad) {
   const std::tuple<std::vector<std::string>, const char*, const char*, int> rows[] = {
       {{"size"}, "1000\n\n18446744073709551616\n", "1000: 1KB\n", 1},
       {{"days"}, "0x42\n128\n-MTWTF-", "S-T----: mask 66 (0x42)\n-MTWTF-: mask 31 (0x1f)\n", 1},
+      {{"days"}, "     65\n", "SM-----: mask 65 (0x41)\n", 0},
       {{"clock", "--json", "14:05"}, "", "{\"day\":\"\",\"input\":\"14:05\",\"time\":\"2:05 PM\"}\n", 0},
       {{"clock", "-"}, "24:00\n14:5\n-1:00\n00:00\n", "00:00: 12:00 AM\n", 1},
       {{"clock", "--format"}, "", "format h:mm a, from nothing that is set\nthe user prefers a 12-hour clock\n", 0},
@@ -197,5 +195,4 @@ TEST(WordingCommands, TakeOperandsOrLinesAndNameWhatIsBad) {
   }
 }
 
-}  // namespace
 }  // namespace SharedClasses::Utilities

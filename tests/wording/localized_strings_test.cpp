@@ -18,9 +18,7 @@ TEST(LocalizedStrings, TheTableComesFirstThenCommonThenTheEmptyText) {
                R"("keyBoth" = "c"; "keyCommon" = "common"; "keyOwn" = "common"; "keyEmpty" = "c";)");
   folder.write("en.lproj/Other.strings", R"("keyBoth" = "other"; "keyOther" = "other";)");
   folder.write("fr.lproj/Localizable.strings", "\"keyFrench\" = \"fr\";");
-  const struct {
-    const char *name, *key, *table, *expected;
-  } kRows[] = {
+  const std::tuple<const char*, const char*, const char*, const char*> kRows[] = {
       {"common alone", "keyCommon", "Other", "common"},
       {"both, default", "keyBoth", "", "default"},
       {"both, other", "keyBoth", "Other", "other"},
@@ -36,13 +34,13 @@ TEST(LocalizedStrings, TheTableComesFirstThenCommonThenTheEmptyText) {
   const tests::MainBundle mainBundle(folder.path());
   EXPECT_EQ(getStringInBundle("keyFrench", &french), "fr");
   EXPECT_EQ(getStringInBundle("keyBoth", &french), "") << "the main bundle is no fallback";
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(getStringFromTable(row.key, row.table), row.expected);
-    EXPECT_EQ(getStringFromTable(row.key, row.table, &bundle), row.expected);
-    if (std::string_view(row.table).empty()) {
-      EXPECT_EQ(getString(row.key), row.expected);
-      EXPECT_EQ(getStringInBundle(row.key, nullptr), row.expected);
+  for (const auto& [name, key, table, expected] : kRows) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(getStringFromTable(key, table), expected);
+    EXPECT_EQ(getStringFromTable(key, table, &bundle), expected);
+    if (std::string_view(table).empty()) {
+      EXPECT_EQ(getString(key), expected);
+      EXPECT_EQ(getStringInBundle(key, nullptr), expected);
     }
   }
   EXPECT_EQ(getString(std::nullopt), std::nullopt);
@@ -61,22 +59,20 @@ TEST(LocalizedStrings, OnlyEntriesThatEndInTheSuffixAreLocalizations) {
 }
 
 TEST(LocalizedStrings, SoundsLieInTheFolderThatTheTranslationNames) {
-  const struct {
-    const char *name, *file, *strings, *localization, *sounds;
-  } kRows[] = {
+  const std::tuple<const char*, const char*, const char*, const char*, const char*> kRows[] = {
       {"not translated", "English.lproj/Localizable.strings", "", "English", "/English.lproj/Sounds"},
       {"language", "fr.lproj/Common.strings", "\"keyCurrentLanguage\" = \"ca\";", "fr", "/ca.lproj/Sounds"},
       {"folder", "fr.lproj/Common.strings", "\"keyCurrentLanguage\" = \"ca.lproj\";", "fr", "/ca.lproj/Sounds"},
       {"empty", "fr.lproj/Common.strings", "\"keyCurrentLanguage\" = \"\";", "fr", "/English.lproj/Sounds"},
       {"no localization", "Info.plist", "", "English", "/English.lproj/Sounds"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
+  for (const auto& [name, file, strings, localization, sounds] : kRows) {
+    SCOPED_TRACE(name);
     const tests::TemporaryFolder folder;
-    folder.write(row.file, row.strings);
+    folder.write(file, strings);
     const tests::MainBundle mainBundle(folder.path(), {"fr"});
-    EXPECT_EQ(nameOfLocalization(), row.localization);
-    EXPECT_EQ(pathToAgentSoundFiles(), folder.path() + row.sounds);
+    EXPECT_EQ(nameOfLocalization(), localization);
+    EXPECT_EQ(pathToAgentSoundFiles(), folder.path() + sounds);
   }
   const tests::MainBundle root("/", {});
   EXPECT_EQ(pathToAgentSoundFiles(), "/English.lproj/Sounds");

@@ -11,7 +11,6 @@
 #include "tests/support/named_sleeper.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/tool.h"
-#include "tests/support/turn.h"
 
 namespace SharedClasses::tests {
 namespace {
@@ -28,13 +27,12 @@ void expectTexts(const std::string& rows) {
 TEST(StringForResult, EachNumberHasItsSentenceAndGapsStayGaps) {
   useShippedTexts();
   expectTexts(
-      "0:OK,22:not accept the settings,35:port is busy,125:permission,127:did not answer in time,-50:cannot carry out,"
-      "-54:address of the device is not,-55:house code,-58:does not fit,-59:schedule is not,-60:command is not valid,"
-      "-70:No device with the address %@,-71:No device was given,-72:out of range,-78:plug-in,-87:controller is busy,"
-      "-89:makes no sense,-92:device does not respond,-93:XTension is using,-94:Indigo is using,-95:controller does "
-      "not,"
-      "-96:No controller,-98:stopped working,-99:port was not,-1712:not answer in "
-      "time,-60031:permission,-60032:permission");
+      "0:OK,22:not accept the settings,35:port is busy,125:permission,127:did not answer in time,"
+      "-50:cannot carry out,-54:address of the device is not,-55:house code,-58:does not fit,-59:schedule is not,"
+      "-60:command is not valid,-70:No device with the address %@,-71:No device was given,-72:out of range,"
+      "-78:plug-in,-87:controller is busy,-89:makes no sense,-92:device does not respond,-93:XTension is using,"
+      "-94:Indigo is using,-95:controller does not,-96:No controller,-98:stopped working,-99:port was not,"
+      "-1712:not answer in time,-60031:permission,-60032:permission");
   // 11 is the EAGAIN of Linux, -34 a foreign agent that stays.
   for (const int gap : {-100, -91, -90, -88, -77, -73, -57, -56, -53, -51, -49, -34, 1, 11, -2147483647}) {
     EXPECT_EQ(Utilities::stringForResult(gap), "Error " + std::to_string(gap));

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/text.h"
-
 namespace SharedClasses::marlow {
 
 namespace {
@@ -23,6 +21,11 @@ const OptionSpecification* specificationOf(std::string_view name, std::span<cons
 // "-94"
 bool isNegativeNumber(std::string_view word) {
   return word.size() > 1 && word[0] == '-' && word.find_first_not_of("0123456789", 1) == std::string_view::npos;
+}
+
+// As all options but -h do.
+bool looksLikeOption(std::string_view word) {
+  return word.size() > 2 && word.starts_with("--") && word[2] >= 'a' && word[2] <= 'z';
 }
 
 }  // namespace
@@ -51,8 +54,8 @@ std::optional<Arguments> Arguments::parse(std::span<const std::string_view> word
     const OptionSpecification* option = specificationOf(name, options);
     if (option == nullptr) {
       *error = "unknown option " + std::string(name);
-      if (platform::isASCIIDigit(static_cast<unsigned char>(word[1]))) {
-        *error += "; a number below 0 stands behind --";
+      if (!negativeNumbers && !looksLikeOption(word)) {
+        *error += "; an operand that begins with - stands behind --";
       }
       return std::nullopt;
     }

@@ -19,7 +19,8 @@ class Arguments {
  public:
   // Takes `words` apart by `options`, to which --json and --help are added. "-h" is --help, "--" ends the options;
   // "--name=value" and "--name value" are the same. A word of "-" and digits is an operand where `negativeNumbers` are.
-  // Absent when a word is no option of the command or a value is missing; `*error` says which.
+  // Absent when a word is no option of the command or a value is missing; `*error` says which, and of a word that is
+  // like no option, such as "-5" or "-MTWTF-", that it has to stand behind "--", unless `negativeNumbers`.
   [[nodiscard]] static std::optional<Arguments> parse(std::span<const std::string_view> words,
                                                       std::span<const OptionSpecification> options, std::string* error,
                                                       bool negativeNumbers = false);

@@ -1,8 +1,12 @@
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/clock.h"
 #include "platform/date_text.h"
+#include "platform/log.h"
 #include "platform/text.h"
 #include "tools/marlow/command.h"
 #include "tools/marlow/input_lines.h"
@@ -74,41 +78,77 @@ bool describe(std::string_view input, bool asJSON) {
   return false;
 }
 
-// The style of the user who has `chosen`. The older setting says nothing of it; any other chosen format was made or taken
-// by the one that tells the style, so that nothing is asked, or logged, a second time.
-bool prefers12Hours(const Utilities::TimeFormat& chosen) {
-  if (chosen.source == "NSTimeFormatString") {
-    return Utilities::userPrefers12HourClock();
-  }
-  return chosen.pattern.find('a') != std::string::npos || chosen.pattern.find("%p") != std::string::npos;
+// As people know it: the library calls the locale "LC_TIME", whichever variable names it.
+std::string sourceText(const std::string& source) {
+  return source.empty() ? "nothing that is set" : source == "LC_TIME" ? "the locale (LC_ALL, LC_TIME or LANG)" : source;
 }
 
 void printFormat(bool asJSON) {
-  const Utilities::TimeFormat format = Utilities::chosenTimeFormat();
-  const bool has12Hours = prefers12Hours(format);
+  const auto [format, has12Hours] = Utilities::chosenTimeStyle();
   if (asJSON) {
     printJSON(
         Value::Dictionary{{"format", format.pattern}, {"source", format.source}, {"prefers12HourClock", has12Hours}});
     return;
   }
-  printLine("format " + format.pattern + ", from " + (format.source.empty() ? "nothing that is set" : format.source));
+  printLine("format " + format.pattern + ", from " + sourceText(format.source));
   printLine(std::string("the user prefers a ") + (has12Hours ? "12" : "24") + "-hour clock");
 }
 
-ExitCode run(const Arguments& arguments) {
+// The library logs the bare answer of "Use24HourClock" whenever it asks for that. Here it is told once, with its name.
+class ClockLog : public platform::LogSink {
+ public:
+  // Learns the answer; to be called while this is the sink.
+  void learnAnswer() {
+    const Utilities::TimeFormat asked = Utilities::preferredTimeFormat();
+    mAnswer = asked.source.ends_with(kSetting) ? asked.pattern : std::string();
+    std::erase(mEarlier, *mAnswer);
+    for (const std::string& message : std::exchange(mEarlier, {})) {
+      complain(message);
+    }
+  }
+
+  void write(std::string_view message) override {
+    if (!mAnswer) {
+      mEarlier.emplace_back(message);
+    } else if (message != *mAnswer) {
+      complain(message);
+    } else if (!std::exchange(mIsTold, true)) {
+      complain("clock: the setting " + std::string(kSetting) + " is " + quoted(message));
+    }
+  }
+
+ private:
+  static constexpr std::string_view kSetting = "com.apple.MenuBarClock, Use24HourClock";
+
+  std::optional<std::string> mAnswer;  // empty where that setting is not asked
+  std::vector<std::string> mEarlier;   // what was logged before the answer was known
+  bool mIsTold = false;
+};
+
+ExitCode printTimes(const Arguments& arguments) {
   const bool asJSON = arguments.wantsJSON();
-  complainOfUnknownTZ("clock");
   if (arguments.has("--format")) {
     printFormat(asJSON);
+    if (arguments.operands().empty()) {
+      return ExitCode::AllWell;
+    }
   }
+  complainOfUnknownTZ("clock");
   if (!arguments.operands().empty()) {
     return forEachInput("clock", arguments, [&](std::string_view input) { return describe(input, asJSON); });
   }
-  if (!arguments.has("--format")) {
-    const platform::Date now = platform::Clock::current().now();
-    print(asJSON ? platform::dateText(now).value_or("") : "", wordsOf(now), asJSON);
-  }
+  const platform::Date now = platform::Clock::current().now();
+  print(asJSON ? platform::dateText(now).value_or("") : "", wordsOf(now), asJSON);
   return ExitCode::AllWell;
+}
+
+ExitCode run(const Arguments& arguments) {
+  const auto log = std::make_shared<ClockLog>();
+  const std::shared_ptr<platform::LogSink> previous = platform::setLogSink(log);
+  log->learnAnswer();
+  const ExitCode code = printTimes(arguments);
+  platform::setLogSink(previous);
+  return code;
 }
 
 }  // namespace
@@ -121,12 +161,14 @@ const Command kClockCommand = {
         "Prints the present time, or each one given, in the user's 12- or 24-hour style and in the local time zone, "
         "with\n"
         "the word for today, tomorrow or yesterday.\n"
-        "DATE is a date such as 2001-12-31T23:59:59Z or a time of today such as 14:05; for -, one a line is read from\n"
-        "standard input.\n"
+        "DATE is a date such as 2001-12-31T23:59:59Z or a time of today such as 14:05. Standard input is read for -\n"
+        "alone, one DATE a line; without DATE it is the present time.\n"
         "  --format  prints which format is used, the setting that it comes from, and the style; then the times given\n"
-        "The formats and words come from the settings: AppleICUTimeFormatStrings and others, dictionaries and lists,\n"
-        "which marlow prefs shows and does not set. They are kept in the file that marlow prefs path names. Without\n"
-        "any, LC_ALL, LC_TIME or LANG decide, and without these it is a 12-hour clock.\n"
+        "Formats and words come from the settings. NSTimeFormatString is a text, which marlow prefs sets; the others,\n"
+        "AppleICUTimeFormatStrings among them, are dictionaries and lists, to be written into the file that marlow\n"
+        "prefs path names, and texts in their place are ignored. Words that are not set are in the language of the\n"
+        "texts. Without one of those dictionaries LC_ALL, LC_TIME or LANG decide between 12 and 24 hours, and without\n"
+        "these it is a 12-hour clock. Where Use24HourClock decides, standard error tells once what it is set to.\n"
         "\n"
         "  marlow clock --format\n"
         "  LC_TIME=de_DE.UTF-8 marlow clock 14:05\n",

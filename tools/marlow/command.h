@@ -27,14 +27,19 @@ struct Command {
 // The commands, each in a source of its own name.
 extern const Command kActionCommand;
 extern const Command kAgentsCommand;
+extern const Command kChecksumCommand;
 extern const Command kClockCommand;
 extern const Command kDaysCommand;
+extern const Command kDescriptorCommand;
+extern const Command kDumpCommand;
+extern const Command kIPCommand;
 extern const Command kInsteonCommand;
 extern const Command kListenCommand;
 extern const Command kLogCommand;
 extern const Command kMessageCommand;
 extern const Command kOneWireCommand;
 extern const Command kPadCommand;
+extern const Command kPathCommand;
 extern const Command kPrefsCommand;
 extern const Command kRunCommand;
 extern const Command kRunningCommand;

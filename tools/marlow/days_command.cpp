@@ -18,12 +18,18 @@ using platform::Value;
 constexpr std::size_t kDaysOfWeek = 7;
 constexpr std::int32_t kLargestMask = 127;
 
+// Whether `text` is a number too short for the text of a week.
+bool isShortNumber(std::string_view text) {
+  return !text.empty() && text.size() < kDaysOfWeek && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 // The mask that `input` is or shows; absent when it is neither.
 std::optional<std::int32_t> maskOf(std::string_view input) {
   const std::string_view text = platform::trimmed(input);
   const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
   const std::string_view digits = text.substr(isHexadecimal ? 2 : 0);
-  if (!isHexadecimal && platform::codePointCount(input) == kDaysOfWeek) {
+  // Blanks can mark days, so that a text is counted with those around it; around a number they only line up columns.
+  if (!isHexadecimal && !isShortNumber(text) && platform::codePointCount(input) == kDaysOfWeek) {
     return Utilities::daysOfWeekFromString(input);
   }
   std::uint32_t mask = 0;
@@ -73,12 +79,12 @@ const Command kDaysCommand = {
     .usage = "[--json] [TEXT|MASK…]",
     .help =
         "Prints days of the week both ways: the text in the user's language, and the mask.\n"
-        "TEXT has seven characters, \"-\" for each day that is not chosen; any other character marks its day. Texts "
-        "that\n"
-        "begin with \"-\" stand behind --. MASK is 0 to 127, also in hex with 0x: 64 is the day shown first, 1, 2, 4, "
-        "8, 16\n"
-        "and 32 are those behind it. Seven digits are a text.\n"
-        "Without any, or for -, reads one a line from standard input.\n"
+        "TEXT has seven characters, \"-\" for each day that is not chosen; any other character, also a blank, marks\n"
+        "its day. Texts that begin with \"-\" stand behind --.\n"
+        "MASK is 0 to 127: 64 is the day shown first, 1, 2, 4, 8, 16 and 32 are those behind it. Fewer than seven\n"
+        "digits are a mask, whatever blanks stand around them, and what begins with 0x is one in hex. Seven digits\n"
+        "are a text.\n"
+        "Without any, or for -, reads one a line from standard input and passes over blank lines.\n"
         "\n"
         "  marlow days 62 0x41 S-T----\n"
         "  marlow days -- -MTWTF-\n",

@@ -1,5 +1,6 @@
 #include "tools/marlow/input_lines.h"
 
+#include <algorithm>
 #include <iostream>
 
 #include "platform/terminal.h"
@@ -10,10 +11,15 @@ namespace SharedClasses::marlow {
 
 namespace {
 
-// Whether every line of standard input was good. Ends also where nobody reads any more.
-bool useStandardInput(const std::function<bool(std::string_view)>& use) {
+ExitCode codeOf(bool isGood) {
+  return isGood ? ExitCode::AllWell : ExitCode::BadInput;
+}
+
+// Ends also where nobody reads any more.
+ExitCode useStandardInput(const std::function<bool(std::string_view)>& use) {
   bool allGood = true;
-  for (InputLines lines(std::cin); std::cout && lines.next(); std::cout.flush()) {
+  InputLines lines(std::cin);
+  for (; std::cout && lines.next(); std::cout.flush()) {
     if (lines.isTooLong()) {
       complain("standard input:" + std::to_string(lines.number()) + ": " + lineTooLongText());
       allGood = false;
@@ -21,7 +27,7 @@ bool useStandardInput(const std::function<bool(std::string_view)>& use) {
       allGood = use(lines.line()) && allGood;
     }
   }
-  return allGood;
+  return lines.failed() ? ExitCode::CannotRun : codeOf(allGood);
 }
 
 }  // namespace
@@ -61,6 +67,7 @@ bool InputLines::readLine() {
     }
   } catch (const std::ios_base::failure& failure) {
     complain("the input cannot be read: " + failure.code().message());
+    mHasFailed = true;
     return false;
   }
   return true;
@@ -73,11 +80,11 @@ ExitCode forEachInput(std::string_view command, const Arguments& arguments,
     complain(std::string(command) + ": nothing to read; see marlow " + std::string(command) + " --help");
     return ExitCode::CannotRun;
   }
-  bool allGood = !operands.empty() || useStandardInput(use);
+  ExitCode code = operands.empty() ? useStandardInput(use) : ExitCode::AllWell;
   for (const std::string& operand : operands) {
-    allGood = (operand == "-" ? useStandardInput(use) : use(operand)) && allGood;
+    code = std::max(code, operand == "-" ? useStandardInput(use) : codeOf(use(operand)));
   }
-  return allGood ? ExitCode::AllWell : ExitCode::BadInput;
+  return code;
 }
 
 }  // namespace SharedClasses::marlow

@@ -23,8 +23,11 @@ class InputLines {
   explicit InputLines(std::istream& stream) : mStream(stream) {}
 
   // Reads the next line, without its line break and, in front of the first, a byte-order mark. False at the end of the
-  // stream, and, with a complaint, where the stream cannot be read.
+  // stream, and, with a complaint, where the stream cannot be read; what was read of that line is lost.
   bool next();
+
+  // Whether next() ended since the stream cannot be read.
+  [[nodiscard]] bool failed() const { return mHasFailed; }
 
   [[nodiscard]] std::string_view line() const { return mLine; }
   [[nodiscard]] std::size_t number() const { return mNumber; }  // of the line, from 1
@@ -37,11 +40,13 @@ class InputLines {
   std::string mLine;
   std::size_t mNumber = 0;
   bool mIsTooLong = false;
+  bool mHasFailed = false;
 };
 
-// Calls `use` with each operand; for "-", or where there is none, with each line of standard input that is not blank, and
-// lets what it printed out before the next line. `use` says whether the input was good. Complains and cannot run where there
-// is no operand and standard input is a terminal.
+// Calls `use` with each operand; for "-", or where there is none, with each line of standard input that is not blank,
+// and lets what it printed out before the next line. `use` says whether the input was good. Complains and gives
+// CannotRun where there is no operand and standard input is a terminal, and where standard input cannot be read; then
+// the other operands are used nevertheless.
 [[nodiscard]] ExitCode forEachInput(std::string_view command, const Arguments& arguments,
                                     const std::function<bool(std::string_view)>& use);
 

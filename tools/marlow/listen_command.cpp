@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 #include <fstream>
 #include <iostream>
@@ -146,10 +147,11 @@ void print(const TrafficLine& line, const Listening& listening) {
   printJSON(std::move(fields));
 }
 
-// Words every line of `stream` as it comes, each at once: a stream may grow. False when a line was bad.
-bool listen(std::istream& stream, const std::string& source, const Listening& listening) {
-  bool allGood = true;
-  for (InputLines lines(stream); lines.next();) {
+// Words every line of `stream` as it comes, each at once: a stream may grow.
+ExitCode listen(std::istream& stream, const std::string& source, const Listening& listening) {
+  ExitCode code = ExitCode::AllWell;
+  InputLines lines(stream);
+  while (lines.next()) {
     if (isTrafficComment(lines.line())) {
       continue;
     }
@@ -165,18 +167,18 @@ bool listen(std::istream& stream, const std::string& source, const Listening& li
         printJSON(Value::Dictionary{{"line", lines.number()}, {"error", error}});
       }
       complain(source + ":" + std::to_string(lines.number()) + ": " + error);
-      allGood = false;
+      code = ExitCode::BadInput;
     }
     std::cout.flush();
     if (!std::cout) {
       break;  // Nobody reads any more.
     }
   }
-  return allGood;
+  return lines.failed() ? ExitCode::CannotRun : code;
 }
 
-// The units that the user prefers; the usual ones where the settings hold none. To look is no program start, so the shared
-// preferences are left alone.
+// The units that the user prefers; the usual ones where the settings hold none. To look is no program start, so the
+// shared preferences are left alone.
 std::string preferredUnits(const platform::SettingsStore& settings) {
   constexpr std::string_view kKey = "temperatureUnits";
   std::string usual = Preferences::defaultValue(kKey).description();
@@ -220,22 +222,19 @@ ExitCode run(const Arguments& arguments) {
     listening.names = *std::move(loaded);
   }
   const std::string source = arguments.operands().empty() ? "-" : arguments.operands().front();
-  bool allGood = false;
   if (source == "-") {
     if (arguments.operands().empty() && platform::isTerminal(platform::StandardStream::Input)) {
       complain("listen: type traffic lines, end with Ctrl-D; see marlow listen --help");
     }
-    allGood = listen(std::cin, "standard input", listening);
-  } else {
-    std::ifstream file(source, std::ios::binary);
-    if (!file || platform::isFolder(source)) {
-      const int reason = file ? EISDIR : errno;
-      complain(source + ": the file cannot be read: " + std::generic_category().message(reason));
-      return ExitCode::CannotRun;
-    }
-    allGood = listen(file, source, listening);
+    return std::max(code, listen(std::cin, "standard input", listening));
   }
-  return allGood ? code : ExitCode::BadInput;
+  std::ifstream file(source, std::ios::binary);
+  if (!file || platform::isFolder(source)) {
+    const int reason = file ? EISDIR : errno;
+    complain(source + ": the file cannot be read: " + std::generic_category().message(reason));
+    return ExitCode::CannotRun;
+  }
+  return std::max(code, listen(file, source, listening));
 }
 
 }  // namespace

@@ -15,11 +15,12 @@ namespace SharedClasses::marlow {
 namespace {
 
 // In the order in which `--help` lists them.
-constexpr const Command* kCommands[] = {&kListenCommand,  &kLogCommand,     &kX10Command,     &kInsteonCommand,
-                                        &kOneWireCommand, &kPadCommand,     &kActionCommand,  &kClockCommand,
-                                        &kDaysCommand,    &kSizeCommand,    &kMessageCommand, &kVersionCommand,
-                                        &kUpdatesCommand, &kSunCommand,     &kZoneCommand,    &kPrefsCommand,
-                                        &kAgentsCommand,  &kRunningCommand, &kRunCommand,     &kStringsCommand};
+constexpr const Command* kCommands[] = {
+    &kListenCommand,  &kLogCommand,     &kX10Command,     &kInsteonCommand,    &kOneWireCommand,
+    &kPadCommand,     &kActionCommand,  &kClockCommand,   &kDaysCommand,       &kSizeCommand,
+    &kMessageCommand, &kVersionCommand, &kUpdatesCommand, &kSunCommand,        &kZoneCommand,
+    &kPrefsCommand,   &kAgentsCommand,  &kRunningCommand, &kRunCommand,        &kChecksumCommand,
+    &kDumpCommand,    &kIPCommand,      &kPathCommand,    &kDescriptorCommand, &kStringsCommand};
 
 // A person at the command line reads standard error, not the system's log.
 class ComplainingLog : public platform::LogSink {
@@ -31,10 +32,11 @@ void printHelp(std::ostream& stream) {
   stream << "marlow: the home-automation library at the command line\n\nmarlow COMMAND [ARGUMENT…]\n\n";
   for (const Command* command : kCommands) {
     std::string name(command->name);
-    name.resize(10, ' ');
+    name.resize(12, ' ');
     stream << "  " << name << command->summary << '\n';
   }
-  stream << "\nmarlow COMMAND --help says more. Every command takes --json, which prints one JSON object a line.\n"
+  stream << "\nmarlow COMMAND --help or marlow help COMMAND says more. Every command takes --json, which prints\n"
+            "one JSON object a line.\n"
             "Exit codes: 0 all well; 1 some input was bad; 2 the command was used wrongly or could not run.\n"
             "Texts are in the language of LANGUAGE, LC_ALL, LC_MESSAGES or LANG; MARLOW_RESOURCES names another\n"
             "folder of resources.\n";
@@ -46,6 +48,34 @@ void printHelp(const Command& command) {
             << command.help;
 }
 
+// Null, with a complaint, for none.
+const Command* commandNamed(std::string_view name) {
+  const auto found = std::ranges::find(kCommands, name, [](const Command* command) { return command->name; });
+  if (found == std::end(kCommands)) {
+    complain("there is no command " + quoted(name) + "; marlow --help lists them");
+    return nullptr;
+  }
+  return *found;
+}
+
+// `words` is "help" and at most the name of a command.
+ExitCode help(std::span<const std::string_view> words) {
+  if (words.size() > 2) {
+    complain("help: one command at a time; leave out " + quoted(words[2]));
+    return ExitCode::CannotRun;
+  }
+  if (words.size() < 2) {
+    printHelp(std::cout);
+    return ExitCode::AllWell;
+  }
+  const Command* const command = commandNamed(words[1]);
+  if (command == nullptr) {
+    return ExitCode::CannotRun;
+  }
+  printHelp(*command);
+  return ExitCode::AllWell;
+}
+
 ExitCode run(std::span<const std::string_view> words) {
   platform::setLogSink(std::make_shared<ComplainingLog>());
   if (words.empty()) {
@@ -53,19 +83,17 @@ ExitCode run(std::span<const std::string_view> words) {
     return ExitCode::CannotRun;
   }
   if (words[0] == "--help" || words[0] == "-h" || words[0] == "help") {
-    printHelp(std::cout);
-    return ExitCode::AllWell;
+    return help(words);
   }
   if (words[0] == "--version") {
     printLine("marlow " + std::string(platform::libraryVersion()));
     return ExitCode::AllWell;
   }
-  const auto found = std::ranges::find(kCommands, words[0], [](const Command* command) { return command->name; });
-  if (found == std::end(kCommands)) {
-    complain("there is no command " + quoted(words[0]) + "; marlow --help lists them");
+  const Command* const named = commandNamed(words[0]);
+  if (named == nullptr) {
     return ExitCode::CannotRun;
   }
-  const Command& command = **found;
+  const Command& command = *named;
   std::string error;
   const std::optional<Arguments> arguments =
       Arguments::parse(words.subspan(1), command.options, &error, command.negativeNumbers);

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -7,12 +8,11 @@
 #include "platform/bundle.h"
 #include "platform/clock.h"
 #include "platform/date_text.h"
-#include "platform/exceptions.h"
+#include "platform/log.h"
 #include "platform/property_list.h"
 #include "platform/text.h"
 #include "shared/constants.h"
 #include "shared/preferences.h"
-#include "system/processes/simple_task.h"
 #include "tools/marlow/command.h"
 #include "tools/marlow/output.h"
 #include "updates/safe_url_connection.h"
@@ -45,6 +45,11 @@ std::string textUnder(const Value& entry, std::string_view key) {
   return found != nullptr && found->text() != nullptr ? *found->text() : std::string();
 }
 
+// "release 2.1"
+std::string named(std::string_view kind, const std::string& version) {
+  return std::string(kind) + ' ' + (version.empty() ? "without a version" : version);
+}
+
 std::string joined(const std::vector<std::string>& texts) {
   std::string result;
   for (const std::string& text : texts) {
@@ -65,14 +70,14 @@ ExitCode refuse(const std::string& url, const std::string& fault, ExitCode code,
   return code;
 }
 
-// What `document` offers, placeholders left out: "release 2.1". Of all kinds but `other`.
+// What `document` offers, placeholders left out. Of all kinds but `other`.
 std::vector<std::string> offersIn(const VersionDocument& document, std::string_view other = "") {
   std::vector<std::string> offers;
   for (const Kind& kind : kKinds) {
     const Value::Dictionary& entry = document.*kind.entry;
     const std::string version = textUnder(entry, "version");
     if (!entry.empty() && kind.name != other && version.find("placeholder") == version.npos) {
-      offers.push_back(std::string(kind.name) + ' ' + version);
+      offers.push_back(named(kind.name, version));
     }
   }
   return offers;
@@ -91,8 +96,8 @@ void printNewer(const Value& entry, const VersionDocument& document, const std::
     return;
   }
   const std::string url = textUnder(entry, "url");
-  printLine(std::string(kind.name) + ' ' + textUnder(entry, "version") + " (" + type + "), newer than " +
-            joined(older) + ": " + (url.empty() ? "no address" : url));
+  printLine(named(kind.name, textUnder(entry, "version")) + " (" + type + "), newer than " + joined(older) + ": " +
+            (url.empty() ? "no address" : url));
 }
 
 // Each entry that is newer than `own`, or that there is none.
@@ -127,7 +132,7 @@ std::string faultOf(std::string_view text) {
   return root->type() == Value::Type::Dictionary ? "" : "it is no dictionary";
 }
 
-// A fetch that keeps what the connection reported, in the place of the log.
+// A fetch that keeps what the connection reported.
 class Fetch : public URLFetcher {
  public:
   void connectionDidFailWithError(SafeURLConnection& connection, const URLConnectionError& error) override {
@@ -142,30 +147,15 @@ class Fetch : public URLFetcher {
   std::optional<std::string> mReport;
 };
 
-// What curl says of an address that gave it nothing, which the fetch does not tell: it is asked once more, for the headers
-// alone. Empty where it says nothing.
-std::string complaintOfCurl(const std::string& url) {
-  std::optional<std::string> headers;
-  std::optional<std::string> complaint;
-  static_cast<void>(platform::nameOfThrown([&] {
-    const SimpleTask task(
-        {.launchPath = "/usr/bin/curl",
-         .arguments = std::vector<std::string>{"--silent", "--show-error", "--head", "--max-time", "3", url},
-         .inputText = "",
-         .outputText = &headers,
-         .errorText = &complaint,
-         .maxSecondsToWait = kTimeLimit,
-         .environmentChanges = {{"LC_ALL", "C.UTF-8"}}});
-  }));
-  std::string line = complaint.value_or("");
-  line.erase(std::min(line.find('\n'), line.size()));
-  const std::size_t number = line.find(") ");  // "curl: (6) Could not resolve host: …"
-  return number == line.npos ? line : line.substr(number + 2);
-}
+struct NoLog : platform::LogSink {
+  void write(std::string_view /*message*/) override {}
+};
 
 ExitCode fetchAndEvaluate(const std::string& url, const std::string& own, bool asJSON) {
   Fetch fetch;
+  const std::shared_ptr<platform::LogSink> log = platform::setLogSink(std::make_shared<NoLog>());
   const std::int32_t result = fetch.startURLRequest({.url = url, .withTimeout = kTimeLimit});
+  platform::setLogSink(log);  // what it would say is told below
   const std::string text = fetch.textReturned().value_or("");
   if (!text.empty()) {
     const std::string fault = faultOf(text);
@@ -179,12 +169,11 @@ ExitCode fetchAndEvaluate(const std::string& url, const std::string& own, bool a
   if (result != URLFetcher::kFinished) {
     fault = "not fetched (" + std::to_string(result) + ")";
   } else if (!fetch.report()) {
-    const std::string complaint = complaintOfCurl(url);
-    fault = complaint.empty() ? "the answer is empty" : "no answer: " + complaint;
+    fault = "nothing came: no server is there, it refused, or its answer is empty; curl -v and the address tell more";
   } else if (*fetch.report() == "Task timed out.") {
     fault = "no answer within 4 seconds, or one that is too long";
   } else if (fetch.report()->empty()) {
-    fault = "curl gave no text; is it installed?";
+    fault = "curl could not be started, or its output was not UTF-8";
   } else {
     return refuse(url, "the answer is no version document: it is not UTF-8", ExitCode::BadInput, asJSON);
   }
@@ -202,11 +191,14 @@ struct NextCheck {
 NextCheck nextCheck(const platform::SettingsStore& store) {
   const std::optional<platform::Date> next = VersionManager::nextCheck(store);
   if (!next) {
+    const Value wanted = Preferences::valueInStore(store, kPrefKeyCheckForNewVersions);
     std::string why = "checkForAppUpdates is off";
-    if (Preferences::valueInStore(store, kPrefKeyCheckForNewVersions).isAbsent()) {
+    if (wanted.isAbsent()) {
       const bool wasStarted = !Preferences::valueInStore(store, "runCount").isAbsent();
-      why = "checkForAppUpdates is not set";
+      why = "checkForAppUpdates is not set, which counts as no";
       why += wasStarted ? "" : "; the first start of a program switches it on";
+    } else if (!Preferences::booleanOf(wanted)) {
+      why = "checkForAppUpdates is neither yes nor no, which counts as no";
     }
     return {{}, false, false, why};
   }
@@ -217,8 +209,7 @@ NextCheck nextCheck(const platform::SettingsStore& store) {
     return {{}, true, isDue, "none was made yet"};
   }
   const std::optional<std::string> date = platform::dateText(*next);
-  return {date ? Value(*date) : Value(), true, isDue,
-          date || isDue ? "" : "updatesCheckInterval leads beyond the calendar"};
+  return {date ? Value(*date) : Value(), true, isDue, date || isDue ? "" : "its time lies beyond the calendar"};
 }
 
 void printNextCheck(bool asJSON) {
@@ -234,22 +225,26 @@ void printNextCheck(bool asJSON) {
             (next.isWanted ? " (a program that already runs checks at its own interval)" : ""));
 }
 
-// Whether `url` is one that the fetch takes, and to which parameters can be put.
+// Whether `url` is one that the fetch takes, to which parameters can be put, and which is not several to curl.
 bool canBeAsked(std::string_view url) {
+  const std::string_view start = url.substr(0, url.find_first_of("/?", url.find("://") + 3));
+  const bool isRange = start.find('[') != start.npos && start.find('-') != start.npos;
+  if (!SafeURLConnection::isWebAddress(url) || isRange || url.find_first_of("[]", start.size()) != url.npos) {
+    return false;
+  }
   for (const char32_t c : platform::CodePoints(url)) {
-    if (c == U'#' || platform::isBlank(c) || drivesTerminal(c)) {
+    if (c == U'#' || c == U'{' || c == U'}' || platform::isBlank(c) || drivesTerminal(c)) {
       return false;
     }
   }
-  return SafeURLConnection::isWebAddress(url);
+  return true;
 }
 
 bool isVersion(std::string_view text) {
   const auto isDigit = [](char c) { return platform::isASCIIDigit(static_cast<unsigned char>(c)); };
-  return std::ranges::any_of(text, isDigit) && std::ranges::all_of(text, [&](char c) {
-           return isDigit(c) || platform::isASCIILetter(static_cast<unsigned char>(c)) || c == '.' || c == '-' ||
-                  c == '_';
-         });
+  return !text.empty() && isDigit(text.front()) && std::ranges::all_of(text, [&](char c) {
+    return isDigit(c) || platform::isASCIILetter(static_cast<unsigned char>(c)) || c == '.' || c == '-' || c == '_';
+  });
 }
 
 // What is wrong with the arguments; empty where nothing is.
@@ -259,11 +254,12 @@ std::string faultOf(const Arguments& arguments) {
   }
   if (const std::optional<std::string> url = arguments.value("--url"); url && !canBeAsked(*url)) {
     return "--url " + quoted(*url) +
-           ": an address begins with http:// or https://, in lower case, and holds no #, no blank and no control "
-           "character";
+           ": an address begins with http:// or https://, in lower case, and holds no #, no { }, no [ ] but those of a "
+           "numeric host, no blank and no control character";
   }
   if (const std::optional<std::string> own = arguments.value("--own"); own && !isVersion(*own)) {
-    return "--own " + quoted(*own) + R"(: a version has a digit, and nothing but digits, letters, ".", "-" and "_")";
+    return "--own " + quoted(*own) +
+           R"(: a version begins with a digit and holds nothing but digits, letters, ".", "-" and "_")";
   }
   return "";
 }
@@ -296,14 +292,19 @@ const Command kUpdatesCommand = {
     .usage = "[--url URL] [--own VERSION] [--json]",
     .help =
         "Fetches the version document, as the agent does, and prints each version in it that is newer, than what, and\n"
-        "where to get it; then when the next check is due. Takes at most eight seconds.\n"
+        "where to get it; then when the next check is due. Takes at most four seconds.\n"
         "  --url URL      asks there instead of at the configured address: http:// or https:// in lower case, without\n"
-        "                 #, blanks and control characters. ?fromVersion= and the version are put behind it, unless\n"
-        "                 it has a ? of its own\n"
-        "  --own VERSION  compares with this version, instead of this program's own: digits, letters, \".\", \"-\", "
-        "\"_\"\n"
-        "The exit code is 1 when the answer is no version document, and 2 when there is no answer or an empty one. A\n"
-        "document may well offer nothing. Redirects are not followed.\n"
+        "                 #, { }, blanks and control characters, and with [ ] only around a numeric host. The query\n"
+        "                 ?fromVersion= and the version are put behind it, unless it has a ? of its own. A complaint\n"
+        "                 repeats it, and a password in it\n"
+        "  --own VERSION  compares with this version, instead of this program's own: a digit, then digits, letters,\n"
+        "                 \".\", \"-\" and \"_\"\n"
+        "  --json         a line for each newer version: its kind, the entry, and newerThan, the own version and then\n"
+        "                 others behind their kind (\"update 2.0.1\"); or one of the kind \"none\" with what is\n"
+        "                 onOffer; or one with url and error. Then one with checks, isDue, nextCheck and why\n"
+        "The exit code is 1 when the answer is no version document or longer than 262144 bytes. It is 2 when nothing\n"
+        "came, not all came within four seconds, or it was more than curl's pipe holds. A document may well offer\n"
+        "nothing. Redirects are not followed.\n"
         "The next check is worked out from checkForAppUpdates, updatesCheckInterval and timeOfLastVersionCheck of\n"
         "marlow prefs: a program that starts when one is due checks at once; one that already runs checks at its own\n"
         "interval, counted from its start. This tool stores nothing: it is no check that the programs count, and no\n"

@@ -97,7 +97,7 @@ class VersionPrinter {
 };
 
 void printAsJSON(std::string_view whose, const std::optional<Version>& version, bool isTest) {
-  Value::Dictionary fields = version ? factsFields(*version) : Value::Dictionary{{"error", "states no version"}};
+  Value::Dictionary fields = version ? factsFields(*version) : Value::Dictionary{{"version", Value()}};
   fields.insert({"of", whose});
   if (whose == "program") {
     fields.insert({"isTest", isTest});
@@ -162,9 +162,11 @@ const Command kVersionCommand = {
     .usage = "[--json] [--self | [--sort] [TEXT…]]",
     .help =
         "Prints each version as it is written out and as people write it, its parts, and how it compares with the one\n"
-        "before it. A version is up to three numbers, then a stage letter and a build: d is a development version, a "
-        "an\n"
-        "alpha, b a beta, no letter a release. Any text is read; what is no number counts as 0.\n"
+        "before it. A version is up to three numbers, then a stage letter and a build: d is a development version,\n"
+        "a an alpha, b a beta, no letter a release.\n"
+        "Any text is read. Periods part it; empty parts and a fourth number are left out, what is no number counts\n"
+        "as 0, and one too large as the largest. The first a, b or d in a part is its stage letter, in words too:\n"
+        "1.2-stable is the alpha 1.2a0.\n"
         "  --self  tells the versions of this program and of this system, as it does at a terminal without texts\n"
         "  --sort  puts the oldest first; equal ones stay in their order\n"
         "Without texts, or for -, reads one a line from standard input.\n"

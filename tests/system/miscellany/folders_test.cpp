@@ -26,24 +26,29 @@ std::string printedFor(const char* user, const char* home) {
 
 // The C library's own look-ups are the reference.
 TEST(Folders, TheHomeFolderIsThatOfTheUserWhomTheProgramServes) {
-  const std::string own = ::getpwuid(::geteuid())->pw_name;
   const std::string ownFolder = ::getpwuid(::geteuid())->pw_dir;
   const std::string other = ::getpwnam("daemon")->pw_dir;
-  EXPECT_EQ(printedFor("daemon", "/pinned"), other + " " + other + "/Library\n") << "HOME is another user's";
-  EXPECT_EQ(printedFor("", "/pinned/"), "/pinned/ /pinned/Library\n");
-  EXPECT_EQ(printedFor(own.c_str(), "relative"), ownFolder + " " + ownFolder + "/Library\n");
+  EXPECT_EQ(printedFor("daemon", "/pinned"), other + " " + other + "/Library\n");
+  EXPECT_EQ(printedFor("", "/pinned"), ownFolder + " " + ownFolder + "/Library\n")
+      << "as others who serve the user see it";
   EXPECT_EQ(printedFor("nobody-of-that-name", "/pinned"), " \n") << "not the library of the root folder";
 }
 
 TEST(Folders, StandardFoldersOfUserAndSystem) {
-  ::setenv("HOME", "/pinned", 1);
-  EXPECT_EQ(pathToDirectoryInDomain("library", "User"), "/pinned");
-  EXPECT_EQ(pathToDirectoryInDomain("Library", "User"), "/pinned/Library");
-  EXPECT_EQ(pathToDirectoryInDomain("Logs", "system"), "/pinned/Library/Logs");
-  EXPECT_EQ(pathToDirectoryInDomain("Library", "System"), "/usr/share");
-  EXPECT_EQ(pathToDirectoryInDomain("Application Support", "System"), "/usr/share/Application Support");
+  const std::string home = ::getpwuid(::geteuid())->pw_dir;
+  ::setenv("XDG_DATA_DIRS", "relative::/shared:/more", 1);
+  EXPECT_EQ(pathToDirectoryInDomain("library", "User"), home);
+  EXPECT_EQ(pathToDirectoryInDomain("Library", "User"), home + "/Library");
+  EXPECT_EQ(pathToDirectoryInDomain("Logs", "system"), home + "/Library/Logs");
+  EXPECT_EQ(pathToDirectoryInDomain("Library", "System"), "/shared");
+  EXPECT_EQ(pathToDirectoryInDomain("Application Support", "System"), "/shared/Application Support");
   EXPECT_EQ(pathToDirectoryInDomain("Documents", "System"), "/home");
   EXPECT_EQ(pathToDirectoryInDomain("Home", "System"), "/");
+  ::setenv("XDG_DATA_DIRS", "relative", 1);
+  EXPECT_EQ(pathToDirectoryInDomain("Logs", "System"), "");
+  ::setenv("XDG_DATA_DIRS", "", 1);
+  EXPECT_EQ(pathToDirectoryInDomain("Library", "System"), "/usr/local/share");
+  ::unsetenv("XDG_DATA_DIRS");
 }
 
 TEST(Users, AreFoundByTheirWholeNameAlone) {

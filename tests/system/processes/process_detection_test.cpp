@@ -15,7 +15,6 @@
 #include "tests/support/named_sleeper.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/tool.h"
-#include "tests/support/turn.h"
 
 namespace SharedClasses::tests {
 namespace {
@@ -48,11 +47,7 @@ TEST(ProcessName, IsAPatternForTheNamesOfWhatRunsAndClassicIsFoundByTheNameThatL
   const NamedSleeper classic(folder, "TruBlueEnvironment");
   // Tools would cut names and not know their letters.
   ::setenv("COLUMNS", "9", 1), ::setenv("LC_ALL", "C", 1);
-  const struct {
-    const char* name;
-    std::optional<std::string_view> pattern;
-    bool runs;
-  } kRows[] = {
+  const std::tuple<const char*, std::optional<std::string_view>, bool> kRows[] = {
       {"absent", std::nullopt, false},
       {"empty", "", false},
       {"its name", "Zq7XTension-V\u00E9", true},
@@ -67,9 +62,8 @@ TEST(ProcessName, IsAPatternForTheNamesOfWhatRunsAndClassicIsFoundByTheNameThatL
       {"broken pattern", "Zq7[", false},
       {"NUL that would leave the pattern for everything", "\0Zq8"sv, false},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(Utilities::isProcessNameRunning(row.pattern), row.runs);
+  for (const auto& [name, pattern, runs] : kRows) {
+    EXPECT_EQ(Utilities::isProcessNameRunning(pattern), runs) << name;
   }
   EXPECT_TRUE(Utilities::isXTensionRunning() && Utilities::isClassicRunning());
   ::unsetenv("COLUMNS"), ::unsetenv("LC_ALL");
@@ -146,11 +140,7 @@ TEST(Agents, AreFoundWithTheirUserAndAForeignOneIsMadeToQuit) {
 TEST(MarlowUser, IsNamedByTheProgramsArguments) {
   const passwd* const self = ::getpwuid(::geteuid());
   const std::string own = std::string(self->pw_name) + " " + std::to_string(self->pw_uid) + "\n";
-  const struct {
-    const char* name;
-    std::vector<std::string> arguments;
-    std::string printed;
-  } kRows[] = {
+  const std::tuple<const char*, std::vector<std::string>, std::string> kRows[] = {
       {"no arguments", {}, own},
       {"a user", {"-x", "-user", "nobody"}, "nobody 65534\n"},
       {"nobody behind it", {"-user"}, own},
@@ -158,14 +148,13 @@ TEST(MarlowUser, IsNamedByTheProgramsArguments) {
       {"unknown user", {"-user", "no such user"}, "no such user 0\n"},
       {"one that is an option of id", {"-user", "--version"}, "--version 0\n"},
   };
-  for (const auto& row : kRows) {
-    SCOPED_TRACE(row.name);
+  for (const auto& [name, arguments, expected] : kRows) {
     std::optional<std::string> printed;
     const SimpleTask task({.launchPath = PROGRAM_FOLDER "/marlow_user",
-                           .arguments = row.arguments,
+                           .arguments = arguments,
                            .outputText = &printed,
                            .maxSecondsToWait = 30});
-    EXPECT_EQ(printed, row.printed);
+    EXPECT_EQ(printed, expected) << name;
   }
 }
 

@@ -30,6 +30,7 @@ TEST(ToolExitCodes, TellWrongUseFromBadInput) {
       {"option without its value", {"listen", "--devices"}, "", 2, "--devices needs a value"},
       {"missing file", {"listen", "/nonexistent"}, "", 2, "cannot be read"},
       {"a folder for a file", {"listen", "/"}, "", 2, "cannot be read"},
+      {"input unreadable", {"run", "--", "/bin/sh", "-c", PROGRAM_FOLDER "/marlow size </"}, "", 1, "status 2"},
       {"missing devices", {"listen", "--devices", "/nonexistent"}, "", 2, "No such file"},
       {"good address", {"x10", "A1"}, "", 0, ""},
       {"one bad address of two", {"x10", "A1", "Q1"}, "", 1, "\"Q1\": no house letter"},
@@ -79,14 +80,23 @@ TEST(ToolExitCodes, TellWrongUseFromBadInput) {
 TEST(Listen, WordsEachLineOfAGrowingStreamBeforeTheNextOneComes) {
   const TemporaryFolder folder;
   const std::string devices = folder.write("devices.txt", "# names\nA1 hall lamp\n1a2b3c\tkitchen lights\n");
-  Tool tool({"listen", "--devices", devices});
-  tool.write("2026-06-01T18:05:00 x10 A1 2\n2026-06-01T18:05:04 x10 A1 4 4");
-  EXPECT_EQ(tool.readLine(), "2026-06-01 18:05:00  The hall lamp was turned on.");
-  tool.write("0%\n");
-  EXPECT_EQ(tool.readLine(), "2026-06-01 18:05:04  The hall lamp was dimmed by 40%.");
-  tool.finish("2026-06-01T18:05:05 insteon 1A.2B.3C 0x14");  // the last line lacks its line break
-  EXPECT_EQ(tool.output(), "2026-06-01 18:05:05  The kitchen lights were turned off.\n");
-  EXPECT_EQ(tool.exitCode(), 0) << tool.complaints();
+  const std::string pipe = folder.makePipe("input");
+  std::FILE* const tool =
+      ::popen((toolCommand({"listen", "--devices", devices}, folder.path()) + " <" + pipe).c_str(), "r");
+  const auto nextLine = [tool] {
+    char line[100] = "";
+    return std::fgets(line, sizeof line, tool) == nullptr ? "(no line)" : std::string(line);
+  };
+  std::ofstream input(pipe);
+  input << "2026-06-01T18:05:00 x10 A1 2\n2026-06-01T18:05:04 x10 A1 4 4" << std::flush;
+  ASSERT_EQ(nextLine(), "2026-06-01 18:05:00  The hall lamp was turned on.\n");
+  input << "0%\n" << std::flush;
+  ASSERT_EQ(nextLine(), "2026-06-01 18:05:04  The hall lamp was dimmed by 40%.\n");
+  input << "2026-06-01T18:05:05 insteon 1A.2B.3C 0x14";  // the last line lacks its line break
+  input.close();
+  EXPECT_EQ(nextLine(), "2026-06-01 18:05:05  The kitchen lights were turned off.\n");
+  EXPECT_EQ(nextLine(), "(no line)");
+  EXPECT_EQ(::pclose(tool), 0);
 }
 
 TEST(Listen, ReportsABadLineWithItsNumberAndGoesOn) {

@@ -7,16 +7,16 @@
 
 namespace SharedClasses::platform {
 
-class Descriptor {
+class FileDescriptor {
  public:
-  Descriptor() noexcept = default;
-  explicit Descriptor(int number) noexcept : mNumber(number) {}
-  Descriptor(Descriptor&& other) noexcept : mNumber(std::exchange(other.mNumber, -1)) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
+  FileDescriptor() noexcept = default;
+  explicit FileDescriptor(int number) noexcept : mNumber(number) {}
+  FileDescriptor(FileDescriptor&& other) noexcept : mNumber(std::exchange(other.mNumber, -1)) {}
+  FileDescriptor& operator=(FileDescriptor&& other) noexcept {
     std::swap(mNumber, other.mNumber);
     return *this;
   }
-  ~Descriptor() { reset(); }
+  ~FileDescriptor() { reset(); }
 
   [[nodiscard]] int get() const noexcept { return mNumber; }  // -1 for none
   [[nodiscard]] bool isOpen() const noexcept { return mNumber >= 0; }
