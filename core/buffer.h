@@ -1,6 +1,6 @@
-// A run of raw bytes that owns exactly as many as it holds: bounds-checked access, trimming, reading a file, a hex dump.
-// Nothing here throws: where memory runs out, each operation says what the buffer then holds. Lengths are in bytes; a
-// negative one counts as 0. A buffer stays below 4 GiB: more is refused as if memory had run out.
+// A run of raw bytes that owns exactly as many as it holds: bounds-checked access, trimming, reading a file, a hex
+// dump. Nothing here throws: where memory runs out, each operation says what the buffer then holds. Lengths are in
+// bytes; a negative one counts as 0. A buffer stays below 4 GiB: more is refused as if memory had run out.
 // A buffer follows the rule of an int: many threads may read it, or one may change it.
 #pragma once
 
@@ -11,8 +11,8 @@ namespace SharedClasses {
 
 class Text;
 
-// What a failed writable index refers to: a wrong write lands here instead of outside the buffer. Each thread has its own,
-// 0xBF until such a write.
+// What a failed writable index refers to: a wrong write lands here instead of outside the buffer. Each thread has its
+// own, 0xBF until such a write.
 extern constinit thread_local std::uint8_t deadBeef;  // NOLINT(readability-identifier-naming): programs know this name
 
 class Buffer {
@@ -59,14 +59,14 @@ class Buffer {
   // Drops bytes at both ends; all of them where no byte would be left. Unchanged when memory runs out.
   void trim(std::int64_t fromFront, std::int64_t fromBack) noexcept;
 
-  // Becomes what the file holds; empty first, whatever follows. 0, also for an empty file, a pipe and a device, whose size
-  // is 0; -1, with the buffer empty, when the path is "" or the file cannot be read whole. Never waits for a pipe.
+  // Becomes what the file holds; empty first, whatever follows. 0, also for an empty file, a pipe and a device, whose
+  // size is 0; -1, with the buffer empty, when the path is "" or the file cannot be read whole. Never waits for a pipe.
   [[nodiscard]] int loadFromFile(const Text& path) noexcept;
   // Kept: a placeholder that writes nothing and gives 0.
   [[nodiscard]] int saveToFile(const Text& path) const noexcept;
 
-  // Prints at most `maximum` bytes on standard output, ten a line, each line led by `prefix` (null for none) and a tab, and
-  // two line feeds. Gives the count of the last bytes printed: 2, or negative when that failed.
+  // Prints at most `maximum` bytes on standard output, ten a line, each line led by `prefix` (null for none) and a tab,
+  // and two line feeds. Gives the count of the last bytes printed: 2, or negative when that failed.
   int log(const char* prefix, std::uint64_t maximum) const noexcept;
 
  private:

@@ -1,6 +1,6 @@
 // A text of 8-bit characters that ends in a NUL, for the low-level code beside Buffer.
-// Every change builds a fresh array of exactly the needed size; nothing grows in place. Nothing here throws: where memory
-// runs out, each operation says what the text then holds.
+// Every change builds a fresh array of exactly the needed size; nothing grows in place. Nothing here throws: where
+// memory runs out, each operation says what the text then holds.
 // A text follows the rule of an int: many threads may read it, or one may change it.
 #pragma once
 
@@ -36,8 +36,9 @@ class Text {
 
   // Makes `length` NUL characters. Memory that runs out, and a length of 2^32 - 1, leave the text empty.
   void alloc(std::uint32_t length) noexcept;
-  // Overwrites the characters with the first `length` of `characters` up to a NUL and fills the rest with NUL; 0 stands for
-  // the C length. Does nothing where the text has no array, `characters` is null or more are wanted than the text is long.
+  // Overwrites the characters with the first `length` of `characters` up to a NUL and fills the rest with NUL; 0 stands
+  // for the C length. Does nothing where the text has no array, `characters` is null or more are wanted than the text
+  // is long.
   void copy(const char* characters, std::uint32_t length) noexcept;
   // Releases the array; the length is 0.
   void empty() noexcept;
@@ -85,11 +86,12 @@ class Text {
   Text& trimLeft() noexcept;
   Text& trimRight() noexcept;  // Kept: the first character is never removed, so that "   " gives " ".
 
-  // The text that printf would write, cut at 127 characters; "ALLOC FAILED" when memory runs out. A null format gives "".
+  // The text that printf would write, cut at 127 characters; "ALLOC FAILED" when memory runs out. A null format gives
+  // "".
   [[gnu::format(printf, 2, 3)]] void format(const char* format, ...) noexcept;
 
-  // Prints the characters on standard output without a line break, "<empty Text>" for a text without any. Gives the number
-  // of bytes printed, negative when that failed.
+  // Prints the characters on standard output without a line break, "<empty Text>" for a text without any. Gives the
+  // number of bytes printed, negative when that failed.
   int log() const noexcept;  // NOLINT(modernize-use-nodiscard): programs call it for the printing
 
   // Becomes what the file holds. The length is that of the file; the characters end at the file's first NUL. 0, or
@@ -103,8 +105,8 @@ class Text {
   // Unchanged, here and in appendHexBytes(), when memory runs out.
   void appendWithTicks(const Text& text) noexcept;
   void appendWithTicks(const char* text) noexcept;
-  // Appends as a line the first `count` bytes in hex, at most 42, and, where the buffer holds more than are shown, how many
-  // more there are and its last two: "01 and 1 more bytes ending in 01 ab".
+  // Appends as a line the first `count` bytes in hex, at most 42, and, where the buffer holds more than are shown, how
+  // many more there are and its last two: "01 and 1 more bytes ending in 01 ab".
   void appendHexBytes(const Buffer& buffer, std::uint64_t count) noexcept;
 
  private:

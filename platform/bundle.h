@@ -44,9 +44,9 @@ class Bundle {
   // bundle holds it, ends the list. Empty for a bundle that holds neither.
   [[nodiscard]] const std::vector<std::string>& preferredLocalizations() const { return mPreferredLocalizations; }
 
-  // The text for `key` in `table` of the first preferred localisation; the empty table name is kDefaultTable. Absent when
-  // it is not there. The view lives as long as the bundle. Broken lines, and a bundle without texts, are logged, once, when the
-  // tables are first read.
+  // The text for `key` in `table` of the first preferred localisation; the empty table name is kDefaultTable. Absent
+  // when it is not there. The view lives as long as the bundle. Broken lines, and a bundle without texts, are logged,
+  // once, when the tables are first read.
   [[nodiscard]] std::optional<std::string_view> find(std::string_view key, std::string_view table) const;
 
   // The entry `key` of Info.plist; absent when it is not there.

@@ -1,5 +1,5 @@
-// A date as a calendar and a clock of one time zone show it. Proleptic Gregorian, with a year 0. A plain value: an instant
-// and a zone; the fields follow from them. Instants are brought into the years -9999 to 99999.
+// A date as a calendar and a clock of one time zone show it. Proleptic Gregorian, with a year 0. A plain value: an
+// instant and a zone; the fields follow from them. Instants are brought into the years -9999 to 99999.
 // Safe on any thread.
 #pragma once
 
@@ -13,13 +13,13 @@ namespace SharedClasses::platform {
 
 class CalendarDate {
  public:
-  // What calendar and clock show at `instant`. A null zone counts as the local one, here and below. An instant that is not
-  // a number counts as the reference date.
+  // What calendar and clock show at `instant`. A null zone counts as the local one, here and below. An instant that is
+  // not a number counts as the reference date.
   explicit CalendarDate(Date instant, TimeZonePointer timeZone = nullptr);
 
-  // The instant at which calendar and clock show these fields. Fields may lie outside of their usual ranges, without bound:
-  // the month is carried into the year, the rest is added on the wall clock, then the zone is asked once. A time that does
-  // not exist moves forward by the gap; one that occurs twice is the first.
+  // The instant at which calendar and clock show these fields. Fields may lie outside of their usual ranges, without
+  // bound: the month is carried into the year, the rest is added on the wall clock, then the zone is asked once. A time
+  // that does not exist moves forward by the gap; one that occurs twice is the first.
   CalendarDate(std::int64_t year, std::int64_t month, std::int64_t day, std::int64_t hour, std::int64_t minute,
                std::int64_t second, TimeZonePointer timeZone = nullptr);
 

@@ -1,6 +1,6 @@
 // One program run as a child, its three standard streams joined to pipes of ours.
-// The child inherits nothing but its standard streams, starts with no signal blocked or ignored, and is waited for by this
-// alone: the host's other children, its signal dispositions and its descriptors are left as they are.
+// The child inherits nothing but its standard streams, starts with no signal blocked or ignored, and is waited for by
+// this alone: the host's other children, its signal dispositions and its descriptors are left as they are.
 // A child process belongs to one thread.
 #pragma once
 
@@ -33,7 +33,8 @@ struct EnvironmentChange {
   std::optional<std::string> value;  // absent: the child has no such variable
 };
 
-// How many bytes a pipe to or from a child holds, where the system allows it: what a child may print before anybody reads.
+// How many bytes a pipe to or from a child holds, where the system allows it: what a child may print before anybody
+// reads.
 inline constexpr int kChildPipeSize = 1 << 20;
 
 class ChildProcess {

@@ -30,8 +30,8 @@ class Clock {
   static void setCurrent(const Clock* clock);
 };
 
-// `seconds` as the nearest span of whole nanoseconds: 0 for what is negative or not a number; at most a hundred years, which
-// also stands for infinity.
+// `seconds` as the nearest span of whole nanoseconds: 0 for what is negative or not a number; at most a hundred years,
+// which also stands for infinity.
 [[nodiscard]] std::chrono::nanoseconds spanOfSeconds(double seconds);
 
 // `time` and `span`, which is not negative, later; at most the last time that can be counted, which is 292 years.

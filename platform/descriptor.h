@@ -80,8 +80,8 @@ class Descriptor {
   // The most lists, records, events and object specifiers that may stand in one another.
   static constexpr std::size_t kMaximumDepth = 512;
   // The most bytes of toBytes(), and the most items in all, those of items included. Items that are shared count as
-  // often as they stand. Reading takes about 200 bytes of memory for each item, 53 MB for the most of them, and the data
-  // once more; comparing two that hold items takes the bytes of both.
+  // often as they stand. Reading takes about 200 bytes of memory for each item, 53 MB for the most of them, and the
+  // data once more; comparing two that hold items takes the bytes of both.
   static constexpr std::size_t kMaximumSize = std::size_t{16} << 20;
   static constexpr std::size_t kMaximumItemCount = std::size_t{1} << 18;
   // The most bytes that description() gives, the closing "…" of a cut one included.

@@ -17,11 +17,12 @@ namespace SharedClasses::platform {
 [[nodiscard]] std::optional<std::string> readFile(const std::string& path, std::size_t limit,
                                                   std::string* error = nullptr);
 
-// The size in bytes of what `path` leads to, as the system states it: 0 for a pipe and a device. -1 when there is nothing.
+// The size in bytes of what `path` leads to, as the system states it: 0 for a pipe and a device. -1 when there is
+// nothing.
 [[nodiscard]] std::int64_t sizeOfFile(const char* path) noexcept;
 
-// Fills `bytes` from the start of the regular file at `path`. False when it cannot be read or holds less; `bytes` are then
-// partly filled.
+// Fills `bytes` from the start of the regular file at `path`. False when it cannot be read or holds less; `bytes` are
+// then partly filled.
 [[nodiscard]] bool readFileInto(const char* path, std::span<std::uint8_t> bytes) noexcept;
 
 // The path of `name` inside `folder`. Empty, which names nothing, for an empty folder.

@@ -28,7 +28,8 @@ template <typename Integer>
   return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
 }
 
-// The days from 2001-01-01 to the first of `month` (1 to 12). The work is done in `Integer`, which must hold 366 * `year`.
+// The days from 2001-01-01 to the first of `month` (1 to 12). The work is done in `Integer`, which must hold 366 *
+// `year`.
 template <typename Integer>
 [[nodiscard]] constexpr Integer daysToMonth(Integer year, int month) {
   // Years that begin in March have their leap day at the end.

@@ -14,17 +14,17 @@ struct Location {
   friend bool operator==(const Location&, const Location&) = default;
 };
 
-// Where the program says that the machine is; absent takes that back. Coordinates outside of their ranges, and such as are
-// no numbers, are refused: false, and nothing changes.
+// Where the program says that the machine is; absent takes that back. Coordinates outside of their ranges, and such as
+// are no numbers, are refused: false, and nothing changes.
 bool setMachineLocation(std::optional<Location> location);
 
 // What the program has set; else what /etc/geolocation says; else the principal place of the local time zone, as the
-// system's tables of zones (zone1970.tab, then zone.tab) give it, or of the zone that it is another name of; else 0, 0. What
-// is broken counts as not there. Reads a small file at each call, and the tables when the zone has changed.
+// system's tables of zones (zone1970.tab, then zone.tab) give it, or of the zone that it is another name of; else 0, 0.
+// What is broken counts as not there. Reads a small file at each call, and the tables when the zone has changed.
 [[nodiscard]] Location machineLocation();
 
-// What the tables alone say of a zone, such as "Europe/Berlin"; absent for one without a place, such as "UTC". Reads them at
-// each call.
+// What the tables alone say of a zone, such as "Europe/Berlin"; absent for one without a place, such as "UTC". Reads
+// them at each call.
 [[nodiscard]] std::optional<Location> principalPlaceOfZone(std::string_view zone);
 
 }  // namespace SharedClasses::platform

@@ -1,5 +1,5 @@
-// Which programs run, told by locks that the kernel keeps: a program holds one under its name as long as it lives, however
-// it ends; a fork of it that runs no other program holds it on.
+// Which programs run, told by locks that the kernel keeps: a program holds one under its name as long as it lives,
+// however it ends; a fork of it that runs no other program holds it on.
 // The locks lie in the user's runtime folder and in /run/lock. Where the latter is not open to all, programs of other
 // users are not seen. Safe on any thread.
 #pragma once

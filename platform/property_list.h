@@ -41,8 +41,8 @@ struct PropertyListError {
 // well-formed XML. Logs nothing.
 [[nodiscard]] std::optional<Value> propertyListFromXML(std::string_view document, PropertyListError* error = nullptr);
 
-// The document that holds `value`: a file that a person can read and mend, with one element a line, tabs for the levels,
-// keys in byte order and a line end at the end. propertyListFromXML reads it back as an equal value, save that
+// The document that holds `value`: a file that a person can read and mend, with one element a line, tabs for the
+// levels, keys in byte order and a line end at the end. propertyListFromXML reads it back as an equal value, save that
 //   dates lose what they have beyond whole seconds: they become the whole second before;
 //   entries of a dictionary that are absent are left out.
 // Reals have the shortest form that reads back as the same number and stay reals; 0.0 and -0.0 stay apart; NaN and the
@@ -56,8 +56,8 @@ struct PropertyListError {
 //   other than tab, LF and CR, U+FFFE and U+FFFF;
 //   more than kMaximumPropertyListDepth levels, and documents above kMaximumPropertyListSize, for which each entry that
 //   was left out counts as a byte.
-// What is written, propertyListFromXML never refuses. Nesting takes no stack, and parts that values share are bounded by the
-// size of the document. Logs nothing.
+// What is written, propertyListFromXML never refuses. Nesting takes no stack, and parts that values share are bounded
+// by the size of the document. Logs nothing.
 [[nodiscard]] std::optional<std::string> propertyListAsXML(const Value& value, std::string* error = nullptr);
 
 }  // namespace SharedClasses::platform

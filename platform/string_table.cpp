@@ -12,8 +12,8 @@ namespace {
 // A file that is no table at all has as many issues as lines.
 constexpr std::size_t kMaximumIssues = 1000;
 
-// Reads one file. Each step reports what is wrong where it stands and returns false; the loop in `parse` then goes on with
-// the next line.
+// Reads one file. Each step reports what is wrong where it stands and returns false; the loop in `parse` then goes on
+// with the next line.
 class StringsParser {
  public:
   explicit StringsParser(std::string_view bytes) : mRest(bytes) {}

@@ -1,6 +1,6 @@
 // Tables of texts for people: `"key" = "text";`, one entry to a line, UTF-8, with /* */ and // comments.
-// Escapes inside quotes: \" \\ \n \r \t, and \U or \u followed by four hex digits. Parsing is pure; a table is immutable
-// once made. Safe on any thread.
+// Escapes inside quotes: \" \\ \n \r \t, and \U or \u followed by four hex digits. Parsing is pure; a table is
+// immutable once made. Safe on any thread.
 #pragma once
 
 #include <cstddef>

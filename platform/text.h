@@ -20,8 +20,9 @@ struct DecodedCharacter {
   bool valid;          // false for bytes that are not UTF-8
 };
 
-// The first code point of `text`. Bytes that are not UTF-8 (stray, cut, overlong, surrogate, above U+10FFFF) are taken as
-// one replacement character for each longest piece that could have begun a character. Empty input gives {0, 0, false}.
+// The first code point of `text`. Bytes that are not UTF-8 (stray, cut, overlong, surrogate, above U+10FFFF) are taken
+// as one replacement character for each longest piece that could have begun a character. Empty input gives {0, 0,
+// false}.
 [[nodiscard]] DecodedCharacter decodeCharacter(std::string_view text);
 
 // The code points of a text, for range-based loops: `for (char32_t c : CodePoints(text))`.

@@ -1,6 +1,6 @@
 // Texts with slots, as translators write them, filled without the C library's formatter.
-// A slot is "%@" or "%d", taken in order, or "%1$@" / "%2$d", taken by number from 1; "%%" is a percent sign. Anything else
-// after a percent sign is no slot and stands as it is. Pure; safe on any thread.
+// A slot is "%@" or "%d", taken in order, or "%1$@" / "%2$d", taken by number from 1; "%%" is a percent sign. Anything
+// else after a percent sign is no slot and stands as it is. Pure; safe on any thread.
 #pragma once
 
 #include <concepts>
@@ -15,8 +15,8 @@
 
 namespace SharedClasses::platform {
 
-// What fills a slot: a text or a whole number; one beyond 64 signed bits counts as the nearest that is not. Either kind of
-// slot takes either kind of argument.
+// What fills a slot: a text or a whole number; one beyond 64 signed bits counts as the nearest that is not. Either kind
+// of slot takes either kind of argument.
 class FormatArgument {
  public:
   template <std::convertible_to<std::string_view> Text>

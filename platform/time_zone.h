@@ -1,6 +1,6 @@
-// A time zone: what clocks there are ahead of UTC, since when and until when. Immutable once made, so that one zone may be
-// asked from any thread; every function here is safe on any thread. Nothing calls the C library's conversions, which share
-// state, and nothing changes the environment.
+// A time zone: what clocks there are ahead of UTC, since when and until when. Immutable once made, so that one zone may
+// be asked from any thread; every function here is safe on any thread. Nothing calls the C library's conversions, which
+// share state, and nothing changes the environment.
 #pragma once
 
 #include <cstdint>
@@ -18,26 +18,27 @@ using TimeZonePointer = std::shared_ptr<const TimeZone>;
 
 class TimeZone {
  public:
-  // The zone of this machine, never null: what the environment variable TZ says in one of its usual forms (see `named`; a
-  // leading colon and the path of a compiled file count too), else /etc/localtime, else UTC. A change of either is noticed
-  // within a second by a running program. Zones already handed out stay what they are.
+  // The zone of this machine, never null: what the environment variable TZ says in one of its usual forms (see `named`;
+  // a leading colon and the path of a compiled file count too), else /etc/localtime, else UTC. A change of either is
+  // noticed within a second by a running program. Zones already handed out stay what they are.
   [[nodiscard]] static TimeZonePointer local();
 
   [[nodiscard]] static const TimeZonePointer& utc();
 
-  // Clocks `seconds` ahead of UTC all year; brought into a range of a week either way. Named "GMT+05:30" and the like, with
-  // the seconds where there are any; "GMT" without an offset. Such a name is not for `named`, which reads it as a rule:
-  // the numbers of rules count westward.
+  // Clocks `seconds` ahead of UTC all year; brought into a range of a week either way. Named "GMT+05:30" and the like,
+  // with the seconds where there are any; "GMT" without an offset. Such a name is not for `named`, which reads it as a
+  // rule: the numbers of rules count westward.
   [[nodiscard]] static TimeZonePointer fixedOffset(std::int64_t seconds);
 
-  // "Europe/Berlin", "UTC", or a rule such as "EST5EDT,M3.2.0,M11.1.0" or "<+0330>-3:30". Null when there is no such zone;
-  // names that would leave the folder of zones ("../x", "/etc/x") are none.
+  // "Europe/Berlin", "UTC", or a rule such as "EST5EDT,M3.2.0,M11.1.0" or "<+0330>-3:30". Null when there is no such
+  // zone; names that would leave the folder of zones ("../x", "/etc/x") are none.
   [[nodiscard]] static TimeZonePointer named(std::string_view name);
 
   // The zone that a rule such as those above describes, whatever files there are; null when it is none.
   [[nodiscard]] static TimeZonePointer fromRule(std::string_view rule);
 
-  // The zone that the bytes of a compiled zone file describe; null when they describe none. `name` is what name() gives.
+  // The zone that the bytes of a compiled zone file describe; null when they describe none. `name` is what name()
+  // gives.
   [[nodiscard]] static TimeZonePointer fromCompiledFile(std::string_view bytes, std::string name);
 
   TimeZone(const TimeZone&) = delete;
@@ -58,8 +59,8 @@ class TimeZone {
   // "CET", "CEST"; the offset as "+0530" where the zone has no letters for it. Lives as long as the zone.
   [[nodiscard]] std::string_view abbreviation(Date instant) const;
 
-  // The first instant after `instant` at which offset, daylight saving or abbreviation change; absent when nothing changes
-  // any more, or not before the year 10000.
+  // The first instant after `instant` at which offset, daylight saving or abbreviation change; absent when nothing
+  // changes any more, or not before the year 10000.
   [[nodiscard]] std::optional<Date> nextTransition(Date instant) const;
 
   // The instant, in whole seconds since the reference date, at which clocks show `wallClock` seconds since 2001-01-01

@@ -31,8 +31,8 @@ class Timer : public std::enable_shared_from_this<Timer> {
 
   // False once it was invalidated or its loop is gone.
   [[nodiscard]] bool isValid() const { return mHeap != nullptr; }
-  // Stops it for good; its loop lets go of it, and it of its callback and user info (of a callback that runs, once that has
-  // returned). May be called again, and from any callback.
+  // Stops it for good; its loop lets go of it, and it of its callback and user info (of a callback that runs, once that
+  // has returned). May be called again, and from any callback.
   void invalidate();
 
   [[nodiscard]] std::chrono::nanoseconds interval() const { return mInterval; }
@@ -42,8 +42,8 @@ class Timer : public std::enable_shared_from_this<Timer> {
 
   // On the steady clock of the loop; while the callback runs, the firing that it was called for.
   [[nodiscard]] std::chrono::nanoseconds nextFiring() const { return mDeadline; }
-  // Moves the grid: the next firing is at `deadline`, later ones follow at the interval. A deadline that has passed is due
-  // at once; one before 0 or after 200 years counts as those. Ignored once invalid.
+  // Moves the grid: the next firing is at `deadline`, later ones follow at the interval. A deadline that has passed is
+  // due at once; one before 0 or after 200 years counts as those. Ignored once invalid.
   void setNextFiring(std::chrono::nanoseconds deadline);
 
  private:

@@ -25,8 +25,8 @@ struct User {
 // The user with that login name; absent when there is none.
 [[nodiscard]] std::optional<User> userNamed(const std::string& loginName);
 
-// The home folder of the user whose rights the program has: HOME where it is set to an absolute path, else what the list of
-// users says; empty when neither does.
+// The home folder of the user whose rights the program has: HOME where it is set to an absolute path, else what the
+// list of users says; empty when neither does.
 [[nodiscard]] std::string homeFolderOfCurrentUser();
 
 // The words that the running program was started with, its own name first. Empty when the system does not tell.

@@ -103,7 +103,8 @@ struct LeapSecond {
   std::int64_t total;  // of leap seconds, from `time` on
 };
 
-// Near enough to the first and last of all dates to be moved about without overflow, and beyond what any clock shows then.
+// Near enough to the first and last of all dates to be moved about without overflow, and beyond what any clock shows
+// then.
 std::int64_t boundedUnixTime(std::int64_t unixTime) {
   return std::clamp(unixTime, kFirstSecond + kUnixTimeOfReference - kMargin,
                     kLastSecond + kUnixTimeOfReference + kMargin);

@@ -22,9 +22,9 @@ struct ZoneFile {
   std::optional<ZoneRule> rule;         // from the last transition on; without transitions, at all times
 };
 
-// What `bytes` hold. Nothing for bytes that are cut short, are longer than a megabyte, or contradict themselves: times out of
-// order, clocks or names that are not there, offsets of more than a week, names that are not printable ASCII of at most 64
-// letters. Files that count leap seconds ("right/…") are brought to the system's count, which does not.
+// What `bytes` hold. Nothing for bytes that are cut short, are longer than a megabyte, or contradict themselves: times
+// out of order, clocks or names that are not there, offsets of more than a week, names that are not printable ASCII of
+// at most 64 letters. Files that count leap seconds ("right/…") are brought to the system's count, which does not.
 // Kept: a rule at the end of the file that nobody understands is passed over, and the last clock stays.
 [[nodiscard]] std::optional<ZoneFile> parsedZoneFile(std::string_view bytes);
 

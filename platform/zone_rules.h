@@ -1,5 +1,5 @@
-// The clocks of a time zone, and the rule by which they change every year, as texts like "CET-1CEST,M3.5.0,M10.5.0/3" put it.
-// Pure; safe on any thread.
+// The clocks of a time zone, and the rule by which they change every year, as texts like "CET-1CEST,M3.5.0,M10.5.0/3"
+// put it. Pure; safe on any thread.
 #pragma once
 
 #include <cstdint>
@@ -48,10 +48,10 @@ struct ZoneRule {
   [[nodiscard]] std::int64_t endInYear(std::int64_t year) const;
 };
 
-// The rule that `text` puts: "std offset [dst [offset] [,begin[/time],end[/time]]]", with names of three letters or more or
-// in angle brackets, offsets westward up to 24 hours, times up to 167 hours either way. Daylight saving time without an
-// offset is one hour ahead; without a rule it lasts from the second Sunday of March to the first of November, as the C library
-// has it for present years. Nothing for any other text.
+// The rule that `text` puts: "std offset [dst [offset] [,begin[/time],end[/time]]]", with names of three letters or
+// more or in angle brackets, offsets westward up to 24 hours, times up to 167 hours either way. Daylight saving time
+// without an offset is one hour ahead; without a rule it lasts from the second Sunday of March to the first of
+// November, as the C library has it for present years. Nothing for any other text.
 [[nodiscard]] std::optional<ZoneRule> parsedZoneRule(std::string_view text);
 
 // "+0530", "-033000" where there are seconds; `separator` stands between the numbers.

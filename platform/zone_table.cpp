@@ -87,8 +87,8 @@ void appendRule(Periods& periods, const ZoneRule& rule, std::size_t standard, st
   }
 }
 
-// Whether each period is daylight saving time: clocks are ahead. The data's mark alone does not tell, since it may stand
-// for a winter that is behind.
+// Whether each period is daylight saving time: clocks are ahead. The data's mark alone does not tell, since it may
+// stand for a winter that is behind.
 std::vector<bool> daylightSavingPeriods(std::span<const Period> periods, std::span<const ZoneClock> clocks) {
   const auto clockOf = [&](std::size_t period) -> const ZoneClock& { return clocks[periods[period].clock]; };
   const auto anyNeighbour = [&](std::size_t period, const auto& test) {

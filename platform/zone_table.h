@@ -16,8 +16,8 @@
 
 namespace SharedClasses::platform {
 
-// Ascending numbers to search. Their range is divided into equal stretches, and for each it is known where in it a search
-// begins, which spares most of the steps.
+// Ascending numbers to search. Their range is divided into equal stretches, and for each it is known where in it a
+// search begins, which spares most of the steps.
 class AscendingNumbers {
  public:
   AscendingNumbers() = default;
@@ -69,8 +69,8 @@ class ZoneTable {
   };
 
   // When clocks show `wallClock`: the first of two instants; by the clock before the gap when there is none.
-  // Kept: where clocks jump ahead and soon back by more, as no real ones do, a time in the gap counts as skipped although
-  // they show it later.
+  // Kept: where clocks jump ahead and soon back by more, as no real ones do, a time in the gap counts as skipped
+  // although they show it later.
   [[nodiscard]] Moment momentOfWallClock(std::int64_t wallClock) const;
 
  private:
@@ -79,8 +79,8 @@ class ZoneTable {
   // By how much `time` must move to lie where the table has it: whole cycles of 400 years.
   [[nodiscard]] std::int64_t shiftIntoTable(std::int64_t time) const;
 
-  // Parallel, one entry for each period of one clock, ascending; the first period has no start, and stands there with the
-  // lowest number.
+  // Parallel, one entry for each period of one clock, ascending; the first period has no start, and stands there with
+  // the lowest number.
   AscendingNumbers mStarts;
   AscendingNumbers mWallStarts;  // the first wall clock that is not resolved by an earlier period
   std::vector<std::uint16_t> mClockOfPeriod;

@@ -92,17 +92,15 @@ Value archivedIn(const Descriptor& descriptor) {
 // often too.
 class Conversion {
  public:
-  Conversion() = default;
-  Conversion(const Conversion&) = delete;
-  Conversion& operator=(const Conversion&) = delete;
-  ~Conversion() {
+  Value valueOf(const Descriptor& descriptor);
+
+  // For the end of the conversion: logs how many unknown types there were that valueOf() has not logged.
+  void logRest() const {
     if (mUnknown > kMostLogged) {
       platform::log(platform::filledFormat("Conversion of AEDesc to obj failed due to unknown types %d times more.",
                                            {mUnknown - kMostLogged}));
     }
   }
-
-  Value valueOf(const Descriptor& descriptor);
 
  private:
   static constexpr std::int64_t kMostLogged = 100;
@@ -312,7 +310,13 @@ class WritableCheck {
 }  // namespace
 
 Value NSObjectWithAEDesc(const Descriptor* descriptor) {
-  return descriptor != nullptr ? Conversion().valueOf(*descriptor) : Value();
+  if (descriptor == nullptr) {
+    return {};
+  }
+  Conversion conversion;
+  Value value = conversion.valueOf(*descriptor);
+  conversion.logRest();
+  return value;
 }
 
 Value NSObjectWithAEDescObj(const DescriptorPointer& descriptor) {

@@ -35,8 +35,8 @@ namespace SharedClasses::Utilities {
 //   "aevt"           the value of its direct object
 //
 // Absent for null and for data of the wrong size; also for any other type, which is logged. A conversion logs the first
-// 100 of these, then in one line how many more there were. Of several items under one keyword, as of several pairs with
-// one key, the last that has a value counts.
+// 100 of these, then in one line how many more there were; a code that is no text is logged without its name. Of
+// several items under one keyword, as of several pairs with one key, the last that has a value counts.
 // Kept: "shor" is such another type too, though it coerces to long.
 // Kept: a record of exactly one item is never read by its keyword. The items of that item, of whatever kind it is,
 // count as keys and values in turn, so that one with a single ordinary property gives an empty dictionary. Pairs whose

@@ -16,7 +16,6 @@ namespace {
 using platform::Value;
 
 constexpr std::int32_t kDeepestUsualRequest = 10;
-constexpr int kLongestChain = 100;
 
 // The name of the class that `value` is or is of; empty for what is neither.
 std::string nameOfClass(const Value& value) {
@@ -38,18 +37,28 @@ Value answerOf(const platform::ObjectPointer& object, std::string_view selector,
   return object != nullptr ? object->performSelector(selector, arguments) : Value();
 }
 
-// Whether `proxy` can stand for `device`, so that messages come to an end: not where the proxies that begin with
-// `device` lead back to it, or are too many.
-bool canStandFor(const DeviceProxy& proxy, platform::ObjectPointer device) {
-  for (int length = 0; length <= kLongestChain; ++length) {
-    const auto* const next = dynamic_cast<const DeviceProxy*>(device.get());
-    if (next == nullptr || next == &proxy) {
-      return next == nullptr;
+// A device while it is asked: held, since it may be replaced in the middle of its answer. Null where there is none, and
+// where too many proxies on this thread wait for their devices already.
+class AskedDevice {
+ public:
+  explicit AskedDevice(const platform::ObjectPointer& device)
+      : mDevice(++sWaiting <= DeviceProxy::kMostInOneAnother ? device : nullptr) {
+    if (mDevice != device) {
+      platform::log("Too many device proxies wait for one another. The last one answers as without a device.");
     }
-    device = next->device();
   }
-  return false;
-}
+  AskedDevice(const AskedDevice&) = delete;
+  AskedDevice& operator=(const AskedDevice&) = delete;
+  ~AskedDevice() { --sWaiting; }
+
+  [[nodiscard]] const platform::ObjectPointer& get() const { return mDevice; }
+
+ private:
+  static thread_local int sWaiting;
+  const platform::ObjectPointer mDevice;
+};
+
+thread_local int AskedDevice::sWaiting = 0;
 
 // What the proxy performs itself. What it would pass to the device with the same arguments is not listed.
 struct Operation {
@@ -113,13 +122,10 @@ std::shared_ptr<DeviceProxy> DeviceProxy::initWithDictionary(const Value::Dictio
 
 void DeviceProxy::setDevice(platform::ObjectPointer device) {
   const std::shared_ptr<DeviceProxy> self = weak_from_this().lock();  // either device may be the last to hold it
-  if (!canStandFor(*this, device)) {
-    platform::log("The device of a proxy leads back to the proxy, or through too many others. It counts as none.");
-    device = nullptr;
-  }
-  const platform::ObjectPointer former = std::exchange(mDevice, device);
+  const AskedDevice asked(device);
+  const platform::ObjectPointer former = std::exchange(mDevice, std::move(device));
   const Value argument = self;
-  if (const auto thrown = platform::nameOfThrown([&] { answerOf(device, "setProxy:", {&argument, 1}); })) {
+  if (const auto thrown = platform::nameOfThrown([&] { answerOf(asked.get(), "setProxy:", {&argument, 1}); })) {
     platform::log("The device of a proxy threw " + *thrown + " at setProxy:.");
   }
 }
@@ -149,7 +155,8 @@ bool DeviceProxy::isKindOfClass(std::string_view name) const {
   if (class_() == name) {
     return true;
   }
-  const platform::ObjectPointer device = mDevice;  // which may be replaced by what it is asked
+  const AskedDevice asked(mDevice);
+  const platform::ObjectPointer& device = asked.get();
   const Value argument = name;
   const Value answer = answerOf(device, "isKindOfClass:", {&argument, 1});
   return answer.isAbsent() ? device != nullptr && device->className() == name : answer.booleanValue().value_or(false);
@@ -163,8 +170,8 @@ Value DeviceProxy::methodSignatureForSelector(std::string_view selector) const {
 bool DeviceProxy::respondsToSelector(std::string_view selector) const {
   bool responds = selector == "getFirstAndLastKeyViews:" || selector == "preferredUnitFor:";
   if (!responds) {
-    const platform::ObjectPointer device = mDevice;
-    responds = device != nullptr && device->respondsToSelector(selector);
+    const AskedDevice asked(mDevice);
+    responds = asked.get() != nullptr && asked.get()->respondsToSelector(selector);
   }
   if (selector != "indicesOfObjectsByEvaluatingObjectSpecifier:") {
     platform::log(
@@ -182,7 +189,7 @@ Value DeviceProxy::performSelector(std::string_view selector, std::span<const Va
 }
 
 Value DeviceProxy::forwardInvocation(std::string_view selector, std::span<const Value> arguments) {
-  const platform::ObjectPointer device = mDevice;
+  const AskedDevice asked(mDevice);
   if (selector == "_scriptingValueForSpecifier:") {
     const Value specifier = arguments.empty() ? Value() : arguments.front();
     platform::log(platform::filledFormat("problem arg: %@", {specifier.description()}));
@@ -191,7 +198,7 @@ Value DeviceProxy::forwardInvocation(std::string_view selector, std::span<const 
     static_cast<void>(platform::nameOfThrown([&] { key = answerOf(specifier.object(), "key"); }));
     platform::log(platform::filledFormat("This is the obj specr key: %@", {key.description()}));
   }
-  return answerOf(device, selector, arguments);
+  return answerOf(asked.get(), selector, arguments);
 }
 
 Value DeviceProxy::objectSpecifier() const {
@@ -216,8 +223,8 @@ void DeviceProxy::setValueForUndefinedKey(const Value& value, std::string_view k
 
 std::string DeviceProxy::description() const {
   const std::string shownClass = mClass;  // the device may let go of this in the middle of its answer
-  const platform::ObjectPointer device = mDevice;
-  const std::string shown = device != nullptr ? device->description() : "(null)";
+  const AskedDevice asked(mDevice);
+  const std::string shown = asked.get() != nullptr ? asked.get()->description() : "(null)";
   return platform::filledFormat("%@: %@", {shownClass, shown});
 }
 
@@ -241,10 +248,8 @@ void DeviceProxy::setupDeviceInfoCustomView(const Value& /*view*/) {}
 
 void DeviceProxy::cleanupDeviceInfoCustomView() {}
 
-// Held while it is asked: a device may put another in its place in the middle of a message.
 Value DeviceProxy::askDevice(std::string_view selector, std::span<const Value> arguments) const {
-  const platform::ObjectPointer device = mDevice;
-  return answerOf(device, selector, arguments);
+  return answerOf(AskedDevice(mDevice).get(), selector, arguments);
 }
 
 }  // namespace SharedClasses

@@ -21,6 +21,10 @@ namespace SharedClasses {
 // its answers are absent, no and empty. What the device throws passes through, save where it is said to be logged.
 class DeviceProxy : public platform::Object, public std::enable_shared_from_this<DeviceProxy> {
  public:
+  // How many proxies may wait for their devices in one another on a thread. The next one answers as without a device,
+  // which is logged, so that a message ends also where a proxy leads back to itself.
+  static constexpr int kMostInOneAnother = 100;
+
   // `initWithDictionary:`
   // Takes the class from "subClass" (its name, or an object of which the class is meant), the scripting class code from
   // "classCode" (a number; 0 for none, also for a text), and the device from "device" (none for what is no object).
@@ -35,8 +39,6 @@ class DeviceProxy : public platform::Object, public std::enable_shared_from_this
   [[nodiscard]] platform::ObjectPointer device() const { return mDevice; }
   // Stands for `device` from now on, and sends it "setProxy:" with this; what it throws there is logged. The former
   // device is let go after that. A device that keeps its proxy keeps itself: it should hold it weakly.
-  // A device that is this proxy, or a proxy that leads back to it or through more than 100 others, is logged and counts
-  // as none, since no message would come to an end. A loop through other objects is theirs to avoid.
   void setDevice(platform::ObjectPointer device);
 
   // Null while no shared_ptr owns it.
@@ -51,8 +53,9 @@ class DeviceProxy : public platform::Object, public std::enable_shared_from_this
   // The name of the class that the proxy shows.
   [[nodiscard]] std::string className() const override { return mClass; }
   [[nodiscard]] platform::FourCharCode classCode() const { return mClassCode; }
-  // True for the class that the proxy shows; else as the device answers, which is asked with the name as a text, or by
-  // its class where it does not. False for "", which names no class.
+  // True for the class that the proxy shows; else as the device answers, which is asked with the name as a text (any
+  // number but 0 is yes, other values than numbers are no), or by its class where it does not. False for "", which
+  // names no class.
   [[nodiscard]] bool isKindOfClass(std::string_view name) const;
 
   // As the device answers.
@@ -64,7 +67,8 @@ class DeviceProxy : public platform::Object, public std::enable_shared_from_this
   [[nodiscard]] bool respondsToSelector(std::string_view selector) const override;
 
   // Performs the operations of this class under their own selectors ("class", "isKindOfClass:", "setDevice:" and so on;
-  // of an argument that is not given, as of an absent one; further ones are passed over), and forwards every other one.
+  // of an argument that is not given, or of another kind, as of an absent one, so that "setDevice:" with a text leaves
+  // none; further ones are passed over), and forwards every other one.
   // "isKindOfClass:" takes a name or an object of which the class is meant. "superclass" is absent without a device.
   // "forwardInvocation:" and the view's are forwarded too, since no value is an invocation or a view, and so are
   // "initWithDictionary:" and "dealloc": a proxy is made and let go by its pointers alone.

@@ -62,8 +62,8 @@ struct ActionCodeRow {
 
 namespace Utilities {
 
-// The four characters of `code`, blanks kept. A zero byte ends the text, so 0 gives the empty text; so does a code whose
-// bytes are not UTF-8.
+// The four characters of `code`, blanks kept. A zero byte ends the text, so 0 gives the empty text; so does a code
+// whose bytes are not UTF-8.
 [[nodiscard]] std::string stringFromFourCharCode(platform::FourCharCode code);
 
 // The code that the first four characters of `text` spell. An empty or absent (null) text gives 0.

@@ -1,5 +1,5 @@
-// The vocabulary that the GUI, the agent and this library share: scripting codes, signatures, notification and pasteboard
-// names, preference keys, colours. Both programs match on these exact values, oddities included.
+// The vocabulary that the GUI, the agent and this library share: scripting codes, signatures, notification and
+// pasteboard names, preference keys, colours. Both programs match on these exact values, oddities included.
 // All but the colours are fixed when the library is built and can be read at any time on any thread.
 #pragma once
 
@@ -125,8 +125,8 @@ inline constexpr double kMaxWaitForStatusRequest = 4.0;
 inline constexpr std::int32_t kActivityComplete = 1;
 
 // Notification names. The library posts none of them; the programs post and observe them.
-// Kept: kHailAckNotification, kRequestCompleteLinkNotification and kLinkCompletedNotification are not spelled like their
-// constants, and two values carry the word "Notification".
+// Kept: kHailAckNotification, kRequestCompleteLinkNotification and kLinkCompletedNotification are not spelled like
+// their constants, and two values carry the word "Notification".
 
 inline constexpr std::string_view kPrefsChangedNotification = "PrefsChanged";
 inline constexpr std::string_view kLogChangedNotification = "LogChanged";
@@ -163,7 +163,8 @@ inline constexpr std::string_view kOldFashionedDevicePboardType = "OldFashionedD
 inline constexpr std::string_view kEventPboardType = "Event";
 inline constexpr std::string_view kResponderPboardType = "Responder";
 
-// Preference keys that the programs use by name. The last two have no default and read as absent until a user sets them.
+// Preference keys that the programs use by name. The last two have no default and read as absent until a user sets
+// them.
 
 inline constexpr std::string_view kPrefKeyCheckForNewVersions = "checkForAppUpdates";
 inline constexpr std::string_view kPrefKeyVersionCheckInterval = "updatesCheckInterval";
@@ -199,9 +200,10 @@ using ColorList = std::array<const platform::Color*, 6>;
 // The six colours in the order above; null until initConstants() has run.
 extern const ColorList* kDefaultColors;
 
-// Makes the colours and returns the list of them. Call it once at start, on the main thread, before anything else reads a
-// colour; nothing is locked.
-// Kept: a second call makes new colours. The earlier ones stay valid until the process ends; the names take the new ones.
+// Makes the colours and returns the list of them. Call it once at start, on the main thread, before anything else reads
+// a colour; nothing is locked.
+// Kept: a second call makes new colours. The earlier ones stay valid until the process ends; the names take the new
+// ones.
 const ColorList* initConstants();
 
 }  // namespace SharedClasses

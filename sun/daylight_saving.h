@@ -14,8 +14,8 @@ namespace SharedClasses::Utilities {
 // Kept: a zone that observes daylight saving in the southern summer alone answers false.
 [[nodiscard]] bool localsUseDaylightSaving();
 
-// Seconds that noon of 1 July 2011 was further ahead of UTC than noon of 1 January 2011: 3600 in a usual northern zone, 0
-// without daylight saving, negative in the south.
+// Seconds that noon of 1 July 2011 was further ahead of UTC than noon of 1 January 2011: 3600 in a usual northern zone,
+// 0 without daylight saving, negative in the south.
 // Kept: the year is fixed; later changes of a zone's law do not show.
 [[nodiscard]] std::int32_t localDaylightSavingDelta();
 
@@ -35,8 +35,8 @@ namespace SharedClasses::Utilities {
 [[nodiscard]] platform::Date standardTime();
 
 // The local zone.
-// Kept: in daylight saving time it is taken from the first of January, which carries the very same zone; it is not a fixed
-// offset.
+// Kept: in daylight saving time it is taken from the first of January, which carries the very same zone; it is not a
+// fixed offset.
 [[nodiscard]] platform::TimeZonePointer localStandardTimeZone();
 
 }  // namespace SharedClasses::Utilities

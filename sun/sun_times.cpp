@@ -53,8 +53,8 @@ double rightAscension(double trueLongitude) {
   return ascension / kDegreesPerHour;
 }
 
-// Whole days are added to hours before 0:00, and taken from what lies beyond the second day, which takes coordinates out
-// of range. No digit is lost by the remainder.
+// Whole days are added to hours before 0:00, and taken from what lies beyond the second day, which takes coordinates
+// out of range. No digit is lost by the remainder.
 double hoursWithinTwoDays(double hours) {
   while (hours < 0.0 && hours > -2.0 * kHoursPerDay) {
     hours += kHoursPerDay;

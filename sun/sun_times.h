@@ -16,8 +16,8 @@ inline constexpr std::int32_t kNoSunset = 0x10;   // the sun does not cross the 
 inline constexpr std::int32_t kNoSunrise = 0x20;  // likewise
 inline constexpr std::int32_t kNoDayGiven = -50;  // the place of the day is null; nothing else has happened
 
-// The day is what the date in toSunTime shows in its own time zone; it is filled in with now where it is empty. The result
-// replaces it: the same year, month and day, with the time of the event.
+// The day is what the date in toSunTime shows in its own time zone; it is filled in with now where it is empty. The
+// result replaces it: the same year, month and day, with the time of the event.
 // Give days at noon: whether a day counts as daylight saving time is judged at noon, and what a caller finds out for
 // adjustForDST at midnight differs from it on the days when the clock changes.
 struct SuntimeArguments {
@@ -27,8 +27,8 @@ struct SuntimeArguments {
   // True: in the local time zone, of the event that happens on that local day. False: in UTC, a time of day alone: far
   // east or west the event may happen on the UTC day before or after the one that the result shows.
   bool wantLocalTime = false;
-  // For local time: whether the clock is to be ahead of standard time. Where it is otherwise on that day, the result has
-  // a fixed offset, localDaylightSavingDelta() further on or back.
+  // For local time: whether the clock is to be ahead of standard time. Where it is otherwise on that day, the result
+  // has a fixed offset, localDaylightSavingDelta() further on or back.
   // Kept: where that delta is negative, in the south, it moves the wrong way.
   bool adjustForDST = false;
   void* sunBuff = nullptr;  // not used
@@ -36,10 +36,10 @@ struct SuntimeArguments {
 };
 
 // `suntimeFromLatitude:longitude:wantSunrise:wantLocalTime:adjustForDST:sunBuff:toSunTime:`
-// kSunTimeFound, or kNoSunrise or kNoSunset, as asked; the date is then 0:00 of that day in the time zone that the event
-// would have had, the first time of that day where the clock is put forward at midnight. Nothing is logged.
-// Coordinates are not checked: those out of range go through the same equations, whose answer, some time of that day or no
-// event, means nothing then. Where they are infinite or not a number, there is no event.
+// kSunTimeFound, or kNoSunrise or kNoSunset, as asked; the date is then 0:00 of that day in the time zone that the
+// event would have had, the first time of that day where the clock is put forward at midnight. Nothing is logged.
+// Coordinates are not checked: those out of range go through the same equations, whose answer, some time of that day or
+// no event, means nothing then. Where they are infinite or not a number, there is no event.
 [[nodiscard]] std::int32_t suntimeFromLatitude(const SuntimeArguments& arguments);
 
 // As SuntimeArguments, for one of the two events.

@@ -13,8 +13,9 @@
 
 namespace SharedClasses::Utilities {
 
-// What a sentence is about: each element a text, or an object that answers `name` (text). A text of one character is a house
-// letter and stands for all units of that house. Anything else, and an object without a name or that throws, reads "???".
+// What a sentence is about: each element a text, or an object that answers `name` (text). A text of one character is a
+// house letter and stands for all units of that house. Anything else, and an object without a name or that throws,
+// reads "???".
 using Devices = std::span<const platform::Value>;
 
 // When it happens. Any other number is worded like kPast by conjugated codes and like kFuture by fixed phrases.
@@ -32,8 +33,9 @@ inline constexpr std::int32_t kAutomaticPreposition = 3;  // by for "Dim " and "
 
 // `guessPlural:andGender:withDevices:`
 // Whether the devices read as a plural, and their grammatical gender. Either place may be null.
-// Without devices: false and 'M'. With devices `*gender` is left as it is, and `*plural` is only ever set, never cleared: it
-// becomes true for two or more, and for a name that ends, case aside, in one of the table's plural suffixes ("lights").
+// Without devices: false and 'M'. With devices `*gender` is left as it is, and `*plural` is only ever set, never
+// cleared: it becomes true for two or more, and for a name that ends, case aside, in one of the table's plural suffixes
+// ("lights").
 void guessPluralAndGender(bool* plural, char* gender, Devices devices);
 
 struct VerbStringArguments {
@@ -44,9 +46,9 @@ struct VerbStringArguments {
 };
 
 // `verbStringForActionCode:usingTense:withDevices:andParameters:`
-// The verb phrase for an action: of a conjugated code the form for tense, number and gender, else any form of that tense,
-// else the code's default, else the code itself in single quotes; of any other code the fixed phrase for the tense, empty
-// when the table has none.
+// The verb phrase for an action: of a conjugated code the form for tense, number and gender, else any form of that
+// tense, else the code's default, else the code itself in single quotes; of any other code the fixed phrase for the
+// tense, empty when the table has none.
 [[nodiscard]] std::string verbStringForActionCode(const VerbStringArguments& arguments);
 
 struct LogStringArguments {
@@ -62,8 +64,9 @@ struct LogStringArguments {
 };
 
 // `logStringForDevices:actionCode:usingTense:preposition:amount:andParameters:`
-// The finished sentence, ending in ".". Devices stand in the order given, each once: texts are the same by content, objects
-// by identity. Words that the tables lack are left out where they would stand. Names that are not UTF-8 are repaired.
+// The finished sentence, ending in ".". Devices stand in the order given, each once: texts are the same by content,
+// objects by identity. Words that the tables lack are left out where they would stand. Names that are not UTF-8 are
+// repaired.
 // Kept: in the progressive and the imperative tense a blank follows the verb even without devices: "Turning on ."
 [[nodiscard]] std::string logStringForDevices(const LogStringArguments& arguments);
 

@@ -104,7 +104,8 @@ namespace SharedClasses::NaturalLanguage {
 
 // The word for the day of `date`, as the calendar of its own zone counts days, if that is today, tomorrow or yesterday
 // of the local zone; the empty text for any other day. The first of the designations that the settings hold, else
-// "keyToday", "keyTomorrow" or "keyYesterday"; each word with a capital letter. Absent when neither has one.
+// "keyToday", "keyTomorrow" or "keyYesterday"; each word with a capital letter and the rest of it in lower case. Absent
+// when neither has one.
 [[nodiscard]] std::optional<std::string> relativeDay(const platform::CalendarDate& date);
 
 // The same for an instant, in the local zone.

@@ -34,8 +34,8 @@ namespace SharedClasses::Utilities {
 // The suffix counts in lower case only. Empty when the folder cannot be read.
 [[nodiscard]] std::vector<std::string> localizationsInFolder(const std::string& path);
 
-// The user's preferred localisation of the main bundle as its folder is named, without ".lproj"; "English" when the bundle
-// has none.
+// The user's preferred localisation of the main bundle as its folder is named, without ".lproj"; "English" when the
+// bundle has none.
 [[nodiscard]] std::string nameOfLocalization();
 
 // The main bundle's folder of spoken sounds in the user's language: the resource folder, then the folder that

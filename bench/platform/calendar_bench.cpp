@@ -1,5 +1,6 @@
-// An instant shown as calendar and clock of Berlin, and back, beside the C library's localtime_r and mktime with the same
-// instants in the same run. Goal: no slower. Instants lie in the years that the zone's file lists, or in those of its rule.
+// An instant shown as calendar and clock of Berlin, and back, beside the C library's localtime_r and mktime with the
+// same instants in the same run. Goal: no slower. Instants lie in the years that the zone's file lists, or in those of
+// its rule.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>

@@ -1,6 +1,6 @@
-// Property lists of 1 MiB, read and written. One of mixed content is to be read no slower than expat builds a plain tree of
-// it, which leaves numbers, dates and data in their text form; one of data alone takes longer by the decoding. Dropping
-// the results is not timed.
+// Property lists of 1 MiB, read and written. One of mixed content is to be read no slower than expat builds a plain
+// tree of it, which leaves numbers, dates and data in their text form; one of data alone takes longer by the decoding.
+// Dropping the results is not timed.
 #include <benchmark/benchmark.h>
 #include <expat.h>
 

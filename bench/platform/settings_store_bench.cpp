@@ -1,5 +1,6 @@
-// What reading a setting costs, and what a save costs over the bare steps that any safe replacement of a file takes. Goals:
-// a read under 150 ns and, but once in 90 ms, without a call to the system; a save at most 1.3 times the bare steps.
+// What reading a setting costs, and what a save costs over the bare steps that any safe replacement of a file takes.
+// Goals: a read under 150 ns and, but once in 90 ms, without a call to the system; a save at most 1.3 times the bare
+// steps.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,5 +1,5 @@
-// What an agent does for every 1-Wire device it meets. The CRC runs beside a bare loop over a table; an address is to be
-// read in less than 150 nanoseconds.
+// What an agent does for every 1-Wire device it meets. The CRC runs beside a bare loop over a table; an address is to
+// be read in less than 150 nanoseconds.
 #include <benchmark/benchmark.h>
 
 #include <array>

@@ -1,5 +1,5 @@
-// What a schedule does for every day that it looks ahead. Sunrise and sunset of a day in UTC are to take at most 1.5 times
-// as long as the almanac's bare arithmetic.
+// What a schedule does for every day that it looks ahead. Sunrise and sunset of a day in UTC are to take at most 1.5
+// times as long as the almanac's bare arithmetic.
 #include <benchmark/benchmark.h>
 
 #include <cmath>

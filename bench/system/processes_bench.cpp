@@ -1,4 +1,5 @@
-// A run of /bin/true with captured output, beside a bare posix_spawn with pipes and a wait in the same run: to be at most
+// A run of /bin/true with captured output, beside a bare posix_spawn with pipes and a wait in the same run: to be at
+// most
 // 1.15 times that, however much memory the program has. And what a wait costs.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -67,7 +68,8 @@ Seconds timeOf(void (*run)()) {
   return std::chrono::steady_clock::now() - start;
 }
 
-// The argument is what the program holds in memory, in MiB. One of each kind by turns; the ratio is that of the medians.
+// The argument is what the program holds in memory, in MiB. One of each kind by turns; the ratio is that of the
+// medians.
 void BM_RunOfTrueBesideABareSpawn(benchmark::State& state) {
   std::vector<char> memory(static_cast<std::size_t>(state.range(0)) << 20, 'x');  // touched
   benchmark::DoNotOptimize(memory.data());

@@ -1,5 +1,5 @@
-// Any bytes as the file of a store: a key that is set is there afterwards, for those who come later too; what the file held
-// is kept, in it or beside it.
+// Any bytes as the file of a store: a key that is set is there afterwards, for those who come later too; what the file
+// held is kept, in it or beside it.
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>

@@ -1,4 +1,5 @@
-// An argument is printed as it is, whatever slots it spells; a format whose percent signs are doubled is its own result.
+// An argument is printed as it is, whatever slots it spells; a format whose percent signs are doubled is its own
+// result.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>

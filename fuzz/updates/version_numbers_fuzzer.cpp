@@ -1,5 +1,5 @@
-// Agrees with a slow model that copies every component; both printed forms read back as the same record, save a negative
-// bug fix. A release file of the same bytes gives well-formed text.
+// Agrees with a slow model that copies every component; both printed forms read back as the same record, save a
+// negative bug fix. A release file of the same bytes gives well-formed text.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>

@@ -81,8 +81,8 @@ class Complaints {
   std::vector<std::string> mLines;
 };
 
-// What a file gives back for `value` under `key`: an absent value when no file holds the value, nothing when none holds the
-// key. `*problem` then says why.
+// What a file gives back for `value` under `key`: an absent value when no file holds the value, nothing when none holds
+// the key. `*problem` then says why.
 std::optional<Value> asStored(const std::string& key, Value value, std::string* problem) {
   if (!value.isAbsent()) {
     const auto document = propertyListAsXML(Value::Dictionary{{key, std::move(value)}}, problem);
@@ -173,8 +173,8 @@ class FileSettingsStore : public SettingsStore, public std::enable_shared_from_t
   std::string mToldOfSaving;
 };
 
-// In the timer of a thread's loop: saves when that goes off, again and again until it has worked, and at the latest when the
-// loop goes with its thread.
+// In the timer of a thread's loop: saves when that goes off, again and again until it has worked, and at the latest
+// when the loop goes with its thread.
 class AutomaticSave {
  public:
   explicit AutomaticSave(std::weak_ptr<FileSettingsStore> store) : mStore(std::move(store)) {}
@@ -357,7 +357,8 @@ void FileSettingsStore::forgetParent() {
 FileSettingsStore::Outcome FileSettingsStore::save(nanoseconds patience, bool tellsBusy) {
   const steady_clock::time_point deadline = steady_clock::now() + patience;
   Complaints complaints;
-  // In steps, as for the other programs: the thread sanitizer of g++ 12 knows no lock that is waited for with a deadline.
+  // In steps, as for the other programs: the thread sanitizer of g++ 12 knows no lock that is waited for with a
+  // deadline.
   std::unique_lock saving(mSaving, std::try_to_lock);
   while (!saving.owns_lock()) {
     if (steady_clock::now() >= deadline) {

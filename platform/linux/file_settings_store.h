@@ -24,12 +24,12 @@ struct SettingsSetup {
 
 [[nodiscard]] std::shared_ptr<SettingsStore> makeFileSettingsStore(const SettingsSetup& setup);
 
-// Where a user's settings are: the file in the folder `configHome` where that is an absolute path, else in the one that is
-// usual in `home`; empty without either.
+// Where a user's settings are: the file in the folder `configHome` where that is an absolute path, else in the one that
+// is usual in `home`; empty without either.
 [[nodiscard]] std::string userSettingsFile(const std::optional<std::string>& configHome, const std::string& home);
 
-// The machine's files: in those folders of `configFolders`, parted by colons, that are absolute paths; in the usual folder
-// when it is absent or empty.
+// The machine's files: in those folders of `configFolders`, parted by colons, that are absolute paths; in the usual
+// folder when it is absent or empty.
 [[nodiscard]] std::vector<std::string> machineSettingsFiles(const std::optional<std::string>& configFolders);
 
 }  // namespace SharedClasses::platform

@@ -69,7 +69,8 @@ std::string zoneNameOfPath(std::string path) {
   return "localtime";
 }
 
-// The zones that were read, by keyOfFile() or their rule. Those that nobody holds any more are forgotten when there are too many.
+// The zones that were read, by keyOfFile() or their rule. Those that nobody holds any more are forgotten when there are
+// too many.
 class KnownZones {
  public:
   TimeZonePointer zone(const std::string& key, const Traces& traces) {

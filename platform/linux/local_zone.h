@@ -12,9 +12,10 @@
 
 namespace SharedClasses::platform {
 
-// The zone of the compiled file at `path`; null when there is none. A file is read again only once it has changed. Without a
-// `name`, it is called after its place in a folder "zoneinfo", its own or that of what it leads to; "localtime" when there is
-// no such place. Safe on any thread.
+// The zone of the compiled file at `path`; null when there is none. A file is read again only once it has changed.
+// Without a
+// `name`, it is called after its place in a folder "zoneinfo", its own or that of what it leads to; "localtime" when
+// there is no such place. Safe on any thread.
 [[nodiscard]] TimeZonePointer timeZoneOfFile(const std::string& path, std::string_view name = {});
 
 // Follows the local zone. Safe on any thread.
@@ -23,8 +24,8 @@ class LocalZone {
   // `file` is what counts where TZ is not set.
   explicit LocalZone(std::string file) : mFile(std::move(file)) {}
 
-  // `tz` is the value of TZ, null when it is not set; `now` only grows. What the files say is looked up when `tz` is another
-  // one than before, or 0.9 seconds after the last time.
+  // `tz` is the value of TZ, null when it is not set; `now` only grows. What the files say is looked up when `tz` is
+  // another one than before, or 0.9 seconds after the last time.
   [[nodiscard]] TimeZonePointer zone(const char* tz, std::chrono::nanoseconds now);
 
  private:

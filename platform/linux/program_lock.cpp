@@ -67,8 +67,8 @@ FileDescriptor openForReading(const std::string& path) {
   return FileDescriptor(::open(path.c_str(), kOpenFlags));
 }
 
-// Every holder takes a shared lock, for which a file that another user made need only be readable. Such a file is opened
-// without O_CREAT: in a folder that everybody may write the system refuses that for files of others.
+// Every holder takes a shared lock, for which a file that another user made need only be readable. Such a file is
+// opened without O_CREAT: in a folder that everybody may write the system refuses that for files of others.
 FileDescriptor openOrMake(const LockFile& file) {
   if (FileDescriptor existing = openForReading(file.path); existing.isOpen()) {
     return existing;

@@ -30,7 +30,9 @@ using std::chrono::nanoseconds;
 
 constexpr nanoseconds kNothing{0};
 constexpr nanoseconds kBlindStep = std::chrono::milliseconds(5);  // between two looks where nothing can be waited for
-constexpr nanoseconds kLongestWait = std::chrono::hours(24);      // of one call of the system; runOnce then asks again
+constexpr int kMostInOneAnother = 100;                            // runOnce; deeper ones leave the stack alone
+constexpr nanoseconds kWaitWithoutServing = std::chrono::milliseconds(10);
+constexpr nanoseconds kLongestWait = std::chrono::hours(24);  // of one call of the system; runOnce then asks again
 
 // What epoll says of the loop's own two descriptors; watches count from kFirstWatch.
 constexpr std::uint64_t kTimerEvent = 0;
@@ -123,6 +125,11 @@ class RunLoop::System {
   }
 
   bool runOnce(nanoseconds longest) {
+    const Nesting nesting(mRunning);
+    if (mRunning > kMostInOneAnother) {
+      std::this_thread::sleep_for(std::clamp(longest, kNothing, kWaitWithoutServing));
+      return false;
+    }
     const nanoseconds end = realTime() + std::clamp(longest, kNothing, nanoseconds(std::chrono::years(100)));
     while (true) {
       switch (serve()) {
@@ -150,6 +157,17 @@ class RunLoop::System {
   }
 
  private:
+  class Nesting {
+   public:
+    explicit Nesting(int& running) : mRunning(running) { ++mRunning; }
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
+    ~Nesting() { --mRunning; }
+
+   private:
+    int& mRunning;
+  };
+
   enum class Served {
     Nothing,
     Something,
@@ -171,8 +189,8 @@ class RunLoop::System {
     return ::epoll_ctl(mEpoll.get(), operation, descriptor, &event) == 0;
   }
 
-  // Sets the system's timer for the next one to fire, unless it goes off early enough already: a timer that goes off early
-  // is set again then, which costs less than setting it at every firing.
+  // Sets the system's timer for the next one to fire, unless it goes off early enough already: a timer that goes off
+  // early is set again then, which costs less than setting it at every firing.
   void armTimer() {
     const Timer* const next = mTimers.next();
     if (next == nullptr || (mArmed && *mArmed <= next->nextFiring())) {
@@ -305,6 +323,7 @@ class RunLoop::System {
   std::uint64_t mServings = 0;        // how often a runOnce served something
   std::uint64_t mWakeUps = 0;         // how often one was ended by a wake-up
   bool mIsTimersTurn = false;         // at the look before
+  int mRunning = 0;                   // how many runOnce stand in one another
 
   std::mutex mMutex;  // guards the two below
   std::deque<std::function<void()>> mCalls;

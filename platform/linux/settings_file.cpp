@@ -27,8 +27,8 @@ constexpr mode_t kFolderMode = 0700;
 constexpr mode_t kFileMode = 0600;
 constexpr mode_t kGroupRights = 0070;
 
-// As long as a file's last change is not older than this, another may fall into the same tick of the clock that its times
-// are taken from. The slowest file systems have ticks of two seconds.
+// As long as a file's last change is not older than this, another may fall into the same tick of the clock that its
+// times are taken from. The slowest file systems have ticks of two seconds.
 constexpr nanoseconds kYouth = std::chrono::seconds(2);
 
 std::string errorText(int error) {

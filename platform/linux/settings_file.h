@@ -1,6 +1,6 @@
 // A file of settings on disk: reading it when it has changed, and putting a new one in its place.
-// The file is one XML property list, a dictionary. It is never written to: a new one is written beside it and takes over its
-// name, so that whoever opens it finds the old or the new, whole.
+// The file is one XML property list, a dictionary. It is never written to: a new one is written beside it and takes
+// over its name, so that whoever opens it finds the old or the new, whole.
 // Not for several threads at a time.
 #pragma once
 
@@ -48,8 +48,8 @@ class SystemCalls {
   Probe mProbe;
 };
 
-// Which version of a file it is. Two that the system gives the same of all this are one version, save that a file can be
-// changed twice within one tick of the clock that its times are taken from.
+// Which version of a file it is. Two that the system gives the same of all this are one version, save that a file can
+// be changed twice within one tick of the clock that its times are taken from.
 struct FileVersion {
   bool exists = false;
   dev_t device = 0;
@@ -116,12 +116,13 @@ class LockedFolder {
   LockedFolder& operator=(const LockedFolder&) = delete;
   ~LockedFolder();
 
-  // Locks the folder of `path`, of the file that it leads to if it is a link; makes the folder if it is missing. Waits for
-  // others until `deadline`. To be called once.
+  // Locks the folder of `path`, of the file that it leads to if it is a link; makes the folder if it is missing. Waits
+  // for others until `deadline`. To be called once.
   Outcome lock(const std::string& path, std::chrono::steady_clock::time_point deadline, const SystemCalls& calls);
 
-  // Puts a file of `document` in the place of the one of the version `expected`, with its rights and owners; Busy when that
-  // is no longer there. `*version` becomes the new one's. Where `keepsOld`, the old one stays under a further name.
+  // Puts a file of `document` in the place of the one of the version `expected`, with its rights and owners; Busy when
+  // that is no longer there. `*version` becomes the new one's. Where `keepsOld`, the old one stays under a further
+  // name.
   Outcome replace(std::string_view document, const FileVersion& expected, bool keepsOld, FileVersion* version,
                   const SystemCalls& calls);
 

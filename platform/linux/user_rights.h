@@ -1,7 +1,7 @@
 // The rights of another user, taken on by one thread for what it does to files.
-// Files are then opened, made and refused as they would be for that user: a link that the user has planted leads nowhere
-// that the user could not go. The program's other threads and all that it does besides files stay as they are. Afterwards
-// the system writes no core dump of the program, since its memory may hold what the user must not read.
+// Files are then opened, made and refused as they would be for that user: a link that the user has planted leads
+// nowhere that the user could not go. The program's other threads and all that it does besides files stay as they are.
+// Afterwards the system writes no core dump of the program, since its memory may hold what the user must not read.
 #pragma once
 
 #include <sys/types.h>

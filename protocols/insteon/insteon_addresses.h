@@ -10,11 +10,11 @@
 namespace SharedClasses::Utilities {
 
 // Brings `address` to groups of two upper-case hex digits joined by periods ("1A.2B.3C"). Period, colon and hyphen part
-// groups; a run of digits is cut into pairs. Absent for an empty address, for one that does not hold three groups, for two
-// separators in a row or one in front, and for any character but these and hex digits, a blank included.
+// groups; a run of digits is cut into pairs. Absent for an empty address, for one that does not hold three groups, for
+// two separators in a row or one in front, and for any character but these and hex digits, a blank included.
 // Kept: a tab is passed over and parts nothing ("12\t34" reads as "1234").
-// Kept: the last group is not padded ("1.2.3" gives "01.02.3") and a final separator stays ("12.34.56."); the value of such
-// an address reads as 0.
+// Kept: the last group is not padded ("1.2.3" gives "01.02.3") and a final separator stays ("12.34.56."); the value of
+// such an address reads as 0.
 [[nodiscard]] std::optional<std::string> normalizedINSTEONAddress(std::string_view address);
 
 // The value of `address`: the first group in bits 23 to 16, the last in bits 7 to 0. 0 when its normal form is not the

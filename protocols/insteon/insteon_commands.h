@@ -1,4 +1,5 @@
-// INSTEON command bytes and the action codes that they carry. Stateless; safe on any thread; allocates nothing but a log line.
+// INSTEON command bytes and the action codes that they carry. Stateless; safe on any thread; allocates nothing but a
+// log line.
 #pragma once
 
 #include <cstdint>

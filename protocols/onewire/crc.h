@@ -44,8 +44,9 @@ inline constexpr std::array<std::int32_t, 16> OneWireCRC16Table = {0, 1, 1, 0, 1
 inline constexpr std::int32_t kBlockChecks = 0;
 inline constexpr std::int32_t kBlockFails = -1;
 
-// Whether a block ends in the inverted CRC-16 of what stands before it, low byte first, as devices send it: kBlockChecks or
-// kBlockFails. The polynomial is x^16 + x^15 + x^2 + 1, low bit first (0xA001), from 0. The empty block fails.
+// Whether a block ends in the inverted CRC-16 of what stands before it, low byte first, as devices send it:
+// kBlockChecks or kBlockFails. The polynomial is x^16 + x^15 + x^2 + 1, low bit first (0xA001), from 0. The empty block
+// fails.
 [[nodiscard]] std::int32_t calc1WireCRC16(std::span<const std::uint8_t> bytes) noexcept;
 
 // `calcCRC16OfBytes:withSeed:`

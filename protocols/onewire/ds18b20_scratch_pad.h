@@ -1,5 +1,5 @@
-// The nine bytes of a DS18B20 thermometer: a temperature in sixteenths of a degree Celsius and a resolution of 9 to 12 bits.
-// Units, alarm limits and validity are those of ThermometerScratchPad.
+// The nine bytes of a DS18B20 thermometer: a temperature in sixteenths of a degree Celsius and a resolution of 9 to 12
+// bits. Units, alarm limits and validity are those of ThermometerScratchPad.
 // A pad follows the rule of an int: many threads may read it, or one may change it.
 #pragma once
 
@@ -23,8 +23,8 @@ class DS18B20ScratchPad : public ThermometerScratchPad {
   // The attributes of ThermometerScratchPad, and "precision", the resolution in bits, 9 where it is absent. Null where
   // none of them made bytes.
   // Kept: the temperature is written as ThermometerScratchPad writes it, in half degrees, and the resolution goes in
-  // without a new CRC, so that the pad reads another temperature and may be invalid. Write the temperature once more, with
-  // setTemperature() of this pad, before the bytes are sent to a device.
+  // without a new CRC, so that the pad reads another temperature and may be invalid. Write the temperature once more,
+  // with setTemperature() of this pad, before the bytes are sent to a device.
   [[nodiscard]] static std::unique_ptr<DS18B20ScratchPad> scratchPadWithAttributes(
       const platform::Value::Dictionary& attributes);
 

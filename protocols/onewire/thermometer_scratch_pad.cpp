@@ -116,8 +116,8 @@ std::int32_t ThermometerScratchPad::setTemperature(std::optional<double> tempera
   const auto whole = platform::saturatingCast<std::int32_t>(halves);
   bytes[kTemperatureLow] = lowByte(whole);
   bytes[kTemperatureHigh] = lowByte(whole >> 8);
-  // Kept: the register counts as an unsigned number here, so that below zero the difference is some 65,536 half degrees and
-  // the count the low byte of their product.
+  // Kept: the register counts as an unsigned number here, so that below zero the difference is some 65,536 half degrees
+  // and the count the low byte of their product.
   const double counts = (halves - temperatureRegister()) * bytes[kCountPerDegree];
   bytes[kCountRemain] = lowByte(platform::saturatingCast<std::int32_t>(counts));
   refreshCRC();

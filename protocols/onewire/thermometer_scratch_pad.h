@@ -1,6 +1,6 @@
-// The nine bytes that a 1-Wire thermometer of the DS18S20 kind holds: a temperature in half degrees Celsius, refined by two
-// count bytes, and two alarm limits. Bytes hold Celsius; every reader converts to the pad's units, every writer from them.
-// A pad follows the rule of an int: many threads may read it, or one may change it.
+// The nine bytes that a 1-Wire thermometer of the DS18S20 kind holds: a temperature in half degrees Celsius, refined by
+// two count bytes, and two alarm limits. Bytes hold Celsius; every reader converts to the pad's units, every writer
+// from them. A pad follows the rule of an int: many threads may read it, or one may change it.
 #pragma once
 
 #include <array>
@@ -61,11 +61,11 @@ class ThermometerScratchPad {
   // Whether the last byte is the CRC of the others. Nothing else asks: readers compute from what the bytes hold.
   [[nodiscard]] bool isValid() const;
 
-  // In the pad's units; absent without bytes. Not finite where the count per degree is 0. Logs a count that a device cannot
-  // leave behind and a high byte other than 0x00 and 0xFF, and reads on without the bits that are wrong.
+  // In the pad's units; absent without bytes. Not finite where the count per degree is 0. Logs a count that a device
+  // cannot leave behind and a high byte other than 0x00 and 0xFF, and reads on without the bits that are wrong.
   [[nodiscard]] virtual std::optional<double> temperature() const;
-  // kNoNumber for an absent number, which changes nothing. Numbers beyond the register count as the nearest 32-bit count of
-  // half degrees, of which the low 16 bits are kept; what is not a number counts as 0.
+  // kNoNumber for an absent number, which changes nothing. Numbers beyond the register count as the nearest 32-bit
+  // count of half degrees, of which the low 16 bits are kept; what is not a number counts as 0.
   // Kept: reading is not the inverse of writing. Written are half degrees and counts of a half; read are whole degrees,
   // the counts of a whole and a quarter less: 25 °C with 16 counts per degree reads back as 25.75.
   virtual std::int32_t setTemperature(std::optional<double> temperature);
@@ -78,8 +78,8 @@ class ThermometerScratchPad {
   [[nodiscard]] std::int32_t highAlarm() const;
   std::int32_t setHighAlarm(std::int32_t limit);
 
-  // Whether the bytes are those that the device holds before its first conversion: 85 °C with the counts that go with it.
-  // Such a reading is a measurement that did not take place. The readers do not look at this.
+  // Whether the bytes are those that the device holds before its first conversion: 85 °C with the counts that go with
+  // it. Such a reading is a measurement that did not take place. The readers do not look at this.
   [[nodiscard]] virtual bool looksLikePowerOnReset() const;
 
   // "units", "temperature", "status" (the same number), "lowAlarm", "highAlarm". What is absent is left out.

@@ -25,9 +25,9 @@ inline constexpr std::int32_t kUsualDimSteps = 22;
 [[nodiscard]] ActionCode qz1ActionToActionCode(std::uint32_t number);
 
 // `dimStepsFrom:to:withTotalSteps:`
-// The number of dim or bright steps, never negative, from level `from` to level `to` (percent) on a controller that sweeps
-// in `totalSteps` steps. With 22 steps the lamp's brightness curve is followed and levels are clamped to 0 to 100; with any
-// other total a cosine stands for the curve, and a level outside 0 to 100 gives 0.
+// The number of dim or bright steps, never negative, from level `from` to level `to` (percent) on a controller that
+// sweeps in `totalSteps` steps. With 22 steps the lamp's brightness curve is followed and levels are clamped to 0 to
+// 100; with any other total a cosine stands for the curve, and a level outside 0 to 100 gives 0.
 // Kept: from 100 to 0 are 23 steps, from 0 to 100 are 22. A change of level takes at least one step on the curve.
 [[nodiscard]] std::int32_t dimStepsFrom(std::int32_t from, std::int32_t to, std::int32_t totalSteps);
 

@@ -1,6 +1,6 @@
 // X10 addresses: a house letter A to P and a unit number 1 to 16, their 4-bit codes on the wire, and maps of units.
-// Letters, case and digits are ASCII whatever the locale. Stateless; safe on any thread; only what returns a text or a list
-// allocates.
+// Letters, case and digits are ASCII whatever the locale. Stateless; safe on any thread; only what returns a text or a
+// list allocates.
 #pragma once
 
 #include <array>
@@ -24,8 +24,8 @@ namespace X10Utilities {
 [[nodiscard]] char houseOfAddress(std::string_view address);
 
 // The unit number, 1 to 16, behind the first letter of `address`; 0 when there is none.
-// Kept: what stands before the first letter is passed over ("12B5" is unit 5), and the number counts modulo 256 before its
-// range is looked at ("A257" and "A-255" are unit 1).
+// Kept: what stands before the first letter is passed over ("12B5" is unit 5), and the number counts modulo 256 before
+// its range is looked at ("A257" and "A-255" are unit 1).
 [[nodiscard]] std::uint8_t unitOfAddress(std::string_view address);
 
 // The house letter of `houseCode`, a byte with the 4-bit code in its high half.
@@ -36,8 +36,8 @@ namespace X10Utilities {
 // Kept: any other character gives the code of house A.
 [[nodiscard]] std::uint8_t houseCodeFromASCII(char letter);
 
-// `address` without blanks, in upper case, with nothing but A to P and digits in it. An empty address gives the empty text.
-// Absent when more than three characters that are no blanks stand in it, or a period.
+// `address` without blanks, in upper case, with nothing but A to P and digits in it. An empty address gives the empty
+// text. Absent when more than three characters that are no blanks stand in it, or a period.
 // Kept: the shape is not looked at ("16A" stays, "Q1" gives "1"), and characters that are dropped count for the length
 // ("a-10" is absent).
 [[nodiscard]] std::optional<std::string> normalizedX10Address(std::string_view address);
@@ -56,8 +56,8 @@ namespace X10Utilities {
 [[nodiscard]] std::uint16_t unitBitMapWithUnitIDs(std::span<const platform::Value> units);
 
 // `unitIDsWithUnitBitMap:andHouse:`
-// The units of `map` in the order of their codes (13, 5, 3, 11, 15, 7, 1, 9, 14, 6, 4, 12, 16, 8, 2, 10): numbers, or with
-// a `house`, texts of the house and the number ("A13").
+// The units of `map` in the order of their codes (13, 5, 3, 11, 15, 7, 1, 9, 14, 6, 4, 12, 16, 8, 2, 10): numbers, or
+// with a `house`, texts of the house and the number ("A13").
 [[nodiscard]] platform::Value::List unitIDsWithUnitBitMapAndHouse(std::uint16_t map,
                                                                   std::optional<std::string_view> house);
 

@@ -1,6 +1,6 @@
-// A piece of background work, driven by a repeating timer: each tick asks the work's owner to make progress, until it says
-// that it is done or the activity is aborted. ActivityManager starts activities and keeps them; GUIActivity adds what a
-// display shows. Everything here belongs to the thread whose run loop ticks.
+// A piece of background work, driven by a repeating timer: each tick asks the work's owner to make progress, until it
+// says that it is done or the activity is aborted. ActivityManager starts activities and keeps them; GUIActivity adds
+// what a display shows. Everything here belongs to the thread whose run loop ticks.
 #pragma once
 
 #include <cstdint>
@@ -70,8 +70,8 @@ class Activity : public platform::Object, public std::enable_shared_from_this<Ac
   // activity.
   [[nodiscard]] bool makeProgress(const platform::Value& ignored = {});
 
-  // Stops the timer, tells the callback, and has the activity taken out of its manager's list. Does nothing where the timer
-  // has stopped or never was, and within its own abort callback. What the callback throws is logged.
+  // Stops the timer, tells the callback, and has the activity taken out of its manager's list. Does nothing where the
+  // timer has stopped or never was, and within its own abort callback. What the callback throws is logged.
   void abort();
 
   [[nodiscard]] std::string className() const override { return "Activity"; }

@@ -78,7 +78,8 @@ void ActivityManager::removeActivity(std::shared_ptr<Activity> activity) {
     return;
   }
   takeOut(*activity);
-  // Its abort comes back here and finds it no longer listed, or listed anew by the abort callback, which does not count.
+  // Its abort comes back here and finds it no longer listed, or listed anew by the abort callback, which does not
+  // count.
   activity->abort();
   activity->stopTimers();
   activity->setTimer(nullptr);

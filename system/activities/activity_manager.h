@@ -1,5 +1,5 @@
-// The one registry of running activities: it starts their timers, turns ticks into progress, and takes out what is done,
-// failed or aborted. Callbacks may add, abort, remove and destroy anything.
+// The one registry of running activities: it starts their timers, turns ticks into progress, and takes out what is
+// done, failed or aborted. Callbacks may add, abort, remove and destroy anything.
 // Everything here belongs to the thread whose run loop ticks.
 #pragma once
 
@@ -29,12 +29,12 @@ class ActivityManager {
   // One that another manager lists leaves that one's list, its timers there stop, and its callback is not told.
   void addActivity(const std::shared_ptr<Activity>& activity);
 
-  // What an activity's timer calls: asks the activity in the timer's user info for progress. When it is done, and, after a
-  // line in the log and its abort, when it throws, its timer stops and it leaves the list.
+  // What an activity's timer calls: asks the activity in the timer's user info for progress. When it is done, and,
+  // after a line in the log and its abort, when it throws, its timer stops and it leaves the list.
   void handleActivity(platform::Timer& timer);
 
-  // Takes it out of the list, aborts it if its timer still ran, and stops every timer that it was ever given. Ignored when it
-  // is null or not listed.
+  // Takes it out of the list, aborts it if its timer still ran, and stops every timer that it was ever given. Ignored
+  // when it is null or not listed.
   void removeActivity(std::shared_ptr<Activity> activity);
 
   // Aborts and removes what is listed now; what their callbacks add beside it stays.

@@ -13,8 +13,8 @@ namespace SharedClasses::Utilities {
 
 // Has the desktop open `url`, without waiting for it. Safe on any thread.
 // Kept: an error flag, not one of success: false where `url` was handed to the opener, true where there is none or
-// `url` is none: no scheme and ":" in front, blanks or control characters in it, or longer than 64 KiB. False does not
-// tell that the opener could be executed, nor that the page exists.
+// `url` is none: no scheme and ":" in front, blanks, control characters or bytes that are not UTF-8 in it, or longer
+// than 64 KiB. False does not tell that the opener could be executed, nor that the page exists.
 bool openURL(std::string_view url);
 
 // The identifier of the first voice whose attribute "VoiceName" is `name`; absent where there is none. The voices are

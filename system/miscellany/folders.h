@@ -23,9 +23,9 @@ namespace SharedClasses::Utilities {
 //   "Application Support"   Application Support in the same            Library/Application Support in the home folder
 //   any other name          "/home", the folder of home folders        the home folder
 //
-// The system's library holds what comes with the programs and is the same for all users: the first absolute folder of
-// XDG_DATA_DIRS, which is "/usr/local/share:/usr/share" where it is not set or empty.
-// Empty where the home folder or the system's library would be needed and there is none.
+// The system's library holds what comes with the programs: the first absolute folder of XDG_DATA_DIRS, which is
+// "/usr/local/share:/usr/share" where it is not set or empty. Programs that are started with another list see another
+// one. Empty where the home folder or the system's library would be needed and there is none.
 // Kept: "Documents" is the home folder itself, and "/home" for the system: the folder for documents is never used.
 // Kept: "Logs" of the system lies in its library, not in "/var/log", and the library of a user is not one of the XDG
 // folders.

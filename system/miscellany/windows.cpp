@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <iterator>
 #include <numeric>
 #include <vector>
@@ -15,6 +16,7 @@ namespace {
 using platform::Rectangle;
 
 constexpr double kRepairedSize = 200.0;
+constexpr std::size_t kMostScreens = 64;
 constexpr double kLeastDistance = 1e-6;  // in points: sums of fractions are off by less
 
 bool isFinite(const Rectangle& frame) {
@@ -134,7 +136,7 @@ bool ensureWindowIsOnScreen(platform::Window* window, std::span<const Rectangle>
     return false;
   }
   std::vector<Rectangle> usable;
-  std::ranges::copy_if(screens, std::back_inserter(usable), isUsable);
+  std::ranges::copy_if(screens.first(std::min(screens.size(), kMostScreens)), std::back_inserter(usable), isUsable);
   const auto nearest =
       std::ranges::min_element(usable, {}, [&frame](const Rectangle& screen) { return distance(frame, screen); });
   if (nearest == usable.end() || distance(frame, *nearest) == 0.0 || isSeenAsAWhole(frame, usable)) {

@@ -20,8 +20,8 @@ inline constexpr double kVisiblePart = 20.0;
 // Brings a window of which none of `screens` shows kVisiblePart, nor all of them together the whole, back onto the
 // nearest of them, the first of several: moved no farther than it must be to lie there as a whole, made smaller only
 // where it is larger than that screen, and drawn. Whether it had to; less than a millionth of a point is no reason.
-// `screens` are in the coordinates of frame(): of each, what panels leave over, where the desktop tells. Nothing for
-// null, without screens of some size, and for a frame that is not finite.
+// `screens` are in the coordinates of frame(): of each, what panels leave over, where the desktop tells; the first 64
+// count. Nothing for null, without screens of some size, and for a frame that is not finite.
 // Kept: a width or height below 0 counts as 0, and is set as it is.
 bool ensureWindowIsOnScreen(platform::Window* window, std::span<const platform::Rectangle> screens);
 

@@ -47,8 +47,9 @@ struct Step {
   double limit;  // seconds
 };
 
-// Runs tools one after another, each with the output of the one before it for input. The last output; absent when that step
-// did not end within its limit. A step that runs over its limit is waited for, but all together no longer than kPatience.
+// Runs tools one after another, each with the output of the one before it for input. The last output; absent when that
+// step did not end within its limit. A step that runs over its limit is waited for, but all together no longer than
+// kPatience.
 Text outputOfChain(const std::vector<Step>& steps) {
   const platform::Clock& clock = platform::Clock::system();
   const std::chrono::nanoseconds end = clock.steadyTime() + platform::spanOfSeconds(kPatience);

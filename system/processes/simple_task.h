@@ -1,6 +1,6 @@
 // One external program, run to its end or to a time limit, with a text for its input and texts of what it prints.
-// The whole run happens in the constructor. It sleeps while it waits and serves the run loop of the calling thread, so that
-// the thread's timers and descriptors go on. A task belongs to the thread that made it.
+// The whole run happens in the constructor. It sleeps while it waits and serves the run loop of the calling thread, so
+// that the thread's timers and descriptors go on. A task belongs to the thread that made it.
 #pragma once
 
 #include <chrono>
@@ -27,13 +27,13 @@ struct SimpleTaskArguments {
 class SimpleTask {
  public:
   // `initWithLaunchPath:arguments:inputText:outputText:errorText:maxSecondsToWait:`
-  // Runs the program. When it has ended in time, the wanted texts are what it printed, each absent where that is not UTF-8.
-  // When it has not, `*outputText` is absent and `*errorText` "Task timed out."; the program is left running, its input is
-  // closed, and nothing is read from it; once this object is gone, SIGPIPE ends it if it prints on.
+  // Runs the program. When it has ended in time, the wanted texts are what it printed, each absent where that is not
+  // UTF-8. When it has not, `*outputText` is absent and `*errorText` "Task timed out."; the program is left running,
+  // its input is closed, and nothing is read from it; once this object is gone, SIGPIPE ends it if it prints on.
   // Throws platform::LaunchError when it cannot be started; the texts are then as they were.
-  // The pipes are read only after the end: a program that prints more than platform::kChildPipeSize runs into the limit.
-  // Where it leaves a child of its own behind that holds the pipes, their end is waited for as long as the limit lasts, or until
-  // a text has 64 MiB; it is then what was read, without a last character that is not whole.
+  // The pipes are read only after the end: a program that prints more than platform::kChildPipeSize runs into the
+  // limit. Where it leaves a child of its own behind that holds the pipes, their end is waited for as long as the limit
+  // lasts, or until a text has 64 MiB; it is then what was read, without a last character that is not whole.
   explicit SimpleTask(const SimpleTaskArguments& arguments);
   SimpleTask(const SimpleTask&) = delete;
   SimpleTask& operator=(const SimpleTask&) = delete;

@@ -1,4 +1,5 @@
-// Prints the home folder of the user whom a program serves that was started with these arguments, and that user's library.
+// Prints the home folder of the user whom a program serves that was started with these arguments, and that user's
+// library.
 #include <iostream>
 
 #include "system/miscellany/folders.h"

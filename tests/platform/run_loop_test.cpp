@@ -91,6 +91,23 @@ TEST(RunLoop, CallsKeepTheOrderOfTheirThreadAndWakeUpsEndAWait) {
   EXPECT_FALSE(loop.runOnce(1h));
 }
 
+TEST(RunLoop, CallsThatWaitInOneAnotherComeToAnEnd) {
+  RunLoop loop;
+  int waiting = 0, mostWaiting = 0, served = 0;
+  for (int i = 0; i < 20'000; ++i) {
+    loop.call([&] {
+      mostWaiting = std::max(mostWaiting, ++waiting);
+      loop.runOnce(0ns);
+      --waiting;
+      ++served;
+    });
+  }
+  while (loop.runOnce(0ns)) {
+  }
+  EXPECT_EQ(served, 20'000);
+  EXPECT_EQ(mostWaiting, 100);
+}
+
 TEST(RunLoop, ItsDescriptorIsReadableWhenSomethingIsDue) {
   const std::pair<const char*, void (*)(RunLoop & loop, Timer & timer)> kRows[] = {
       {"a timer comes due", [](RunLoop& loop, Timer&) { loop.addTimer(3ms, [](Timer&) {}); }},

@@ -30,9 +30,6 @@ template <typename Number>
 DescriptorPointer number(platform::FourCharCode type, Number number) {
   return Descriptor::withData(type, std::bit_cast<std::array<std::uint8_t, sizeof(Number)>>(number));
 }
-DescriptorPointer localTime(std::int64_t seconds) {
-  return number(Descriptor::kLongDateTime, seconds);
-}
 DescriptorPointer keyed(std::vector<Descriptor::Keyed> items, platform::FourCharCode type = Descriptor::kRecord) {
   return Descriptor::withKeyedItems(type, std::move(items));
 }
@@ -55,9 +52,10 @@ TEST(NSObjectWithAEDescObj, GivesThePlainValueOrNone) {
       {"double precision", Descriptor::real(0.1), 0.1},
       {"code with its top bit set", number(Descriptor::kType, 0xFE000000U), 0xFE000000U},
       {"missing value", Descriptor::enumerated(fourCharCode("msng")), {}},
-      {"winter time", localTime(3061152000), platform::Date{-3600}},
-      {"time left out in spring", localTime(1711852200 + 2082844800LL), platform::Date{1711848600.0 - 978307200.0}},
-      {"start of the count", localTime(0), platform::Date{-3061152000.0 - 3600.0}},
+      {"winter time", Descriptor::localDateTime(3061152000), platform::Date{-3600}},
+      {"time left out in spring", Descriptor::localDateTime(1711852200 + 2082844800LL),
+       platform::Date{1711848600.0 - 978307200.0}},
+      {"start of the count", Descriptor::localDateTime(0), platform::Date{-3061152000.0 - 3600.0}},
       {"colour", data(Descriptor::kColor, {"\xFF\xFF\0\0\x80\0!", 7}), platform::Color{1, 0, 32768 / 65535.0, 1}},
       {"property list", data(Descriptor::kArchive, "<array><true/></array>"), List{true}},
       {"list leaves out what has no value", list({sOne, sNone, sText}), List{1, "Hall"}},
@@ -78,12 +76,12 @@ TEST(NSObjectWithAEDescObj, GivesThePlainValueOrNone) {
     EXPECT_TRUE(NSObjectWithAEDescObj(data(fourCharCodeFromString(type), "abc")).isAbsent()) << type;
   }
   for (const std::int64_t seconds : {3095610825600, -375622272001, INT64_MIN, INT64_MAX}) {
-    EXPECT_TRUE(NSObjectWithAEDescObj(localTime(seconds)).isAbsent()) << seconds;
+    EXPECT_TRUE(NSObjectWithAEDescObj(Descriptor::localDateTime(seconds)).isAbsent()) << seconds;
   }
   // The calendar's first 53:28 of Berlin's local mean time are of instants before it.
-  EXPECT_NE(NSObjectWithAEDescObj(localTime(3095610825599)).date(), nullptr);
-  EXPECT_NE(NSObjectWithAEDescObj(localTime(-375622272000 + 3208)).date(), nullptr);
-  EXPECT_TRUE(NSObjectWithAEDescObj(localTime(-375622272000 + 3208 - 1)).isAbsent());
+  EXPECT_NE(NSObjectWithAEDescObj(Descriptor::localDateTime(3095610825599)).date(), nullptr);
+  EXPECT_NE(NSObjectWithAEDescObj(Descriptor::localDateTime(-375622272000 + 3208)).date(), nullptr);
+  EXPECT_TRUE(NSObjectWithAEDescObj(Descriptor::localDateTime(-375622272000 + 3208 - 1)).isAbsent());
   EXPECT_EQ(log.messages(), std::vector<std::string>{});
 }
 

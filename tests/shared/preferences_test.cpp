@@ -18,7 +18,8 @@ namespace SharedClasses::tests {
 
 using platform::Value;
 
-// A machine whose location, settings and desktop are the test's own. Puts no variable back: no other test relies on them.
+// A machine whose location, settings and desktop are the test's own. Puts no variable back: no other test relies on
+// them.
 class PreferencesTest : public testing::Test {
  protected:
   PreferencesTest() {

@@ -22,8 +22,8 @@ struct Change {
   std::optional<std::string> withoutMemory = std::nullopt;  // where any of the allocations fails; nothing: as before
 };
 
-// Makes the change to copies of what was before, with its first allocation failing, with its second, and so on; last with
-// none. Expects the stated outcome and that no array is left over.
+// Makes the change to copies of what was before, with its first allocation failing, with its second, and so on; last
+// with none. Expects the stated outcome and that no array is left over.
 template <typename Value, typename Shown>
 void expectChange(const Change<Value>& row, Shown shown) {
   SCOPED_TRACE(row.name);

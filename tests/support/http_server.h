@@ -1,4 +1,5 @@
-// A small HTTP server on loopback, in a process of its own: it answers one connection after another until it is stopped.
+// A small HTTP server on loopback, in a process of its own: it answers one connection after another until it is
+// stopped.
 #pragma once
 
 #include <arpa/inet.h>
@@ -27,8 +28,8 @@ inline std::string httpAnswer(std::string_view body, std::string_view status = "
          "\r\n" + std::string(headers) + "\r\n" + std::string(body);
 }
 
-// Lives until the object or the thread that made it ends. From the first one on, curl uses no proxy and reads no .curlrc of
-// whoever runs the tests.
+// Lives until the object or the thread that made it ends. From the first one on, curl uses no proxy and reads no
+// .curlrc of whoever runs the tests.
 class HTTPServer {
  public:
   // One client's connection, whose request has been read.

@@ -57,8 +57,8 @@ HTTPServer::Answer says(const std::string& body, const std::string& status = "20
   return [=](const HTTPServer::Connection& connection) { connection.send(httpAnswer(body, status)); };
 }
 
-// The versions that are newer, and behind a colon the texts of release, update and test: "2.1 : V2.1 - -". Begins with a
-// question mark where no answer was evaluated, or too long ago.
+// The versions that are newer, and behind a colon the texts of release, update and test: "2.1 : V2.1 - -". Begins with
+// a question mark where no answer was evaluated, or too long ago.
 std::string told(VersionManager& manager) {
   std::string text = manager.gotVersionInfo() ? "" : "? ";
   EXPECT_EQ(manager.newerVersions().has_value(), text.empty());

@@ -53,7 +53,8 @@ const Command kDescriptorCommand = {
         "most; other parts without one are left out.\n"
         "In JSON, null stands for no value and for a number that is none, and colours are texts: \"rgba(1, 0, 0, "
         "1)\".\n"
-        "Without a file, or with -, reads standard input.\n"
+        "Without a file, or with -, reads standard input. All of a file is read first; it may have 256 MiB, the\n"
+        "descriptor in it 16.\n"
         "\n"
         "  marlow descriptor request.mdsc\n"
         "  printf 'mdscutxt\\0\\0\\0\\4Lamp' | marlow descriptor\n",

@@ -15,8 +15,8 @@ namespace SharedClasses::marlow {
 // "1A.2B.3C" from three whole groups; absent for anything else.
 [[nodiscard]] std::optional<std::string> insteonAddress(std::string_view text);
 
-// The normal form of a 1-Wire address, "e9:00:00:05:e2:fd:c3:28". Some programs write the bytes the other way round, the
-// family first; they are read so where only that makes the CRC right. Absent where neither does.
+// The normal form of a 1-Wire address, "e9:00:00:05:e2:fd:c3:28". Some programs write the bytes the other way round,
+// the family first; they are read so where only that makes the CRC right. Absent where neither does.
 [[nodiscard]] std::optional<std::string> oneWireAddress(std::string_view text);
 
 }  // namespace SharedClasses::marlow

@@ -1,6 +1,6 @@
 // Which name the home owner gave to which address.
-// A file of them is plain (address, blanks, name; "#" begins a comment) or an XML property list (a dictionary of names by
-// address). Reading is pure but for the file; safe on any thread.
+// A file of them is plain (address, blanks, name; "#" begins a comment) or an XML property list (a dictionary of names
+// by address). Reading is pure but for the file; safe on any thread.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,8 @@ namespace SharedClasses::marlow {
 
 class DeviceNames {
  public:
-  // Reads what a file holds. Entries that cannot be read are left out; each adds a line to `*faults` that says where and why.
+  // Reads what a file holds. Entries that cannot be read are left out; each adds a line to `*faults` that says where
+  // and why.
   [[nodiscard]] static DeviceNames parse(std::string_view bytes, std::vector<std::string>* faults);
 
   // Reads the file at `path`. Absent when it cannot be read at all; `*error` then says why.

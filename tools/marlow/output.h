@@ -12,8 +12,8 @@ namespace SharedClasses::marlow {
 // them, and those that turn the direction of writing.
 [[nodiscard]] bool drivesTerminal(char32_t c);
 
-// Prints `line` and a line break on standard output. Characters that drive a terminal, which names, files and servers may
-// hold, become "?".
+// Prints `line` and a line break on standard output. Characters that drive a terminal, which names, files and servers
+// may hold, become "?".
 void printLine(std::string_view line);
 
 // Prints `value` as one line of JSON.

@@ -204,7 +204,8 @@ ExitCode get(const Request& request) {
   return request.store->isReadable() ? code : ExitCode::CannotRun;
 }
 
-// The type that `key` is to be of: the one asked for, else that of its default, else that of what it holds, else a text.
+// The type that `key` is to be of: the one asked for, else that of its default, else that of what it holds, else a
+// text.
 Type typeFor(std::string_view key, const TypeRow* wanted, const Value& present) {
   if (wanted != nullptr) {
     return wanted->type;
@@ -335,8 +336,8 @@ constexpr Verb kVerbs[] = {{"list", 0, list},   {"get", std::nullopt, get},
                            {"set", 2, set},     {"unset", std::nullopt, unset},
                            {"reset", 0, reset}, {"path", 0, path}};
 
-// The store of the user that --user names, else of the one whose rights the tool has: the user whom the agent serves is told
-// by words among which the operands stand. Null with a complaint.
+// The store of the user that --user names, else of the one whose rights the tool has: the user whom the agent serves is
+// told by words among which the operands stand. Null with a complaint.
 std::shared_ptr<SettingsStore> storeFor(const Arguments& arguments) {
   const std::string own = platform::currentUserName();
   const std::string name = arguments.value("--user").value_or(own);

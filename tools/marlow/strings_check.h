@@ -20,9 +20,9 @@ struct StringsReport {
   std::size_t texts = 0;             // entries read
 };
 
-// Checks the localisation folder `folder`, or every one in it: lines that cannot be read, keys that are missing, keys that
-// nothing forms, keys given twice, and slots other than those of the English text. English is the folder beside the one
-// checked, else that of the main bundle. A folder without localisations gives a report of none.
+// Checks the localisation folder `folder`, or every one in it: lines that cannot be read, keys that are missing, keys
+// that nothing forms, keys given twice, and slots other than those of the English text. English is the folder beside
+// the one checked, else that of the main bundle. A folder without localisations gives a report of none.
 [[nodiscard]] StringsReport checkStrings(const std::string& folder);
 
 }  // namespace SharedClasses::marlow

@@ -84,8 +84,8 @@ std::optional<Place> givenPlace(const Arguments& arguments) {
   return Place{{.latitude = *latitude, .longitude = *longitude}, "as given"};
 }
 
-// The coordinate that the user has told the programs, read without counting as a start of one; 0 where there is nothing.
-// Absent with a complaint where it is none.
+// The coordinate that the user has told the programs, read without counting as a start of one; 0 where there is
+// nothing. Absent with a complaint where it is none.
 std::optional<double> preferredDegrees(const std::string& key, double largest) {
   const double degrees = Preferences::valueInStore(*platform::SettingsStore::standard(), key).realValue().value_or(0);
   if (std::abs(degrees) <= largest) {
@@ -178,8 +178,8 @@ double solarNoon(const CalendarDate& noon, double longitude, bool inUTC) {
   return 12 + std::remainder(ahead - longitude / kDegreesPerHour, kHoursPerDay);
 }
 
-// The event of the daylight around the day's solar noon, which may be on the day before or after; absent where it does not
-// take place.
+// The event of the daylight around the day's solar noon, which may be on the day before or after; absent where it does
+// not take place.
 std::optional<CalendarDate> eventOf(const CalendarDate& noon, const Location& location, bool wantSunrise, bool inUTC) {
   std::optional<CalendarDate> date = noon;
   // The clock as it stands at the day's noon, which is what the library takes for the day: nothing is left to adjust.
@@ -214,9 +214,9 @@ std::optional<int> dayLength(const CalendarDate& noon, const Location& location)
   return sunrise && sunset ? std::optional(minutesBetween(*sunrise, *sunset)) : std::nullopt;
 }
 
-// Whether the sun stays up on a day on which it neither rises nor sets. Told from the days nearer to the equator, where it
-// does both and days are longer than half a day exactly when it stays up here. Not from the nearest: a day that lasts almost
-// a day and one that lasts almost none look alike on a clock.
+// Whether the sun stays up on a day on which it neither rises nor sets. Told from the days nearer to the equator, where
+// it does both and days are longer than half a day exactly when it stays up here. Not from the nearest: a day that
+// lasts almost a day and one that lasts almost none look alike on a clock.
 bool staysUp(const CalendarDate& noon, const Location& location) {
   constexpr double kFirstStep = 0.1;   // degrees
   constexpr double kLargestStep = 25;  // more than from the poles to where the sun rises all year

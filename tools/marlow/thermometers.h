@@ -29,8 +29,8 @@ enum class ThermometerKind {
 [[nodiscard]] std::unique_ptr<ThermometerScratchPad> makePad(ThermometerKind kind, std::span<const std::uint8_t> data,
                                                              bool setCRC);
 
-// Pairs of hex digits with blanks, colons and the brackets of a printed block ("<aa004b46 87>") between them. Absent for
-// anything else.
+// Pairs of hex digits with blanks, colons and the brackets of a printed block ("<aa004b46 87>") between them. Absent
+// for anything else.
 [[nodiscard]] std::optional<std::vector<std::uint8_t>> bytesOfHexText(std::string_view text);
 
 // "aa004b46ffff0c1087"

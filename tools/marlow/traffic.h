@@ -5,8 +5,8 @@
 //   2026-06-01T18:07:12 x10 A4 7 0x31 0x64
 //   2026-06-01T18:09:55 insteon 1A.2B.3C 0x11
 //   2026-06-01T18:10:00 onewire e9000005e2fdc328 50054b467fff0c101c
-// Fields are parted by blanks. X10 functions are 0 to 15, INSTEON commands and data bytes "0x" and two hex digits at most.
-// Reading is pure; safe on any thread.
+// Fields are parted by blanks. X10 functions are 0 to 15, INSTEON commands and data bytes "0x" and two hex digits at
+// most. Reading is pure; safe on any thread.
 #pragma once
 
 #include <optional>

@@ -228,7 +228,8 @@ void printNextCheck(bool asJSON) {
 // Whether `url` is one that the fetch takes, to which parameters can be put, and which is not several to curl.
 bool canBeAsked(std::string_view url) {
   const std::string_view start = url.substr(0, url.find_first_of("/?", url.find("://") + 3));
-  const bool isRange = start.find('[') != start.npos && start.find('-') != start.npos;
+  const std::string_view host = start.substr(std::min(start.find('['), start.size()));
+  const bool isRange = host.substr(0, host.find_first_of("%]")).find('-') != host.npos;
   if (!SafeURLConnection::isWebAddress(url) || isRange || url.find_first_of("[]", start.size()) != url.npos) {
     return false;
   }
@@ -240,9 +241,11 @@ bool canBeAsked(std::string_view url) {
   return true;
 }
 
+// Whether `text` can be meant as a version. "3b1", without a period, would count as 0.0.3.
 bool isVersion(std::string_view text) {
   const auto isDigit = [](char c) { return platform::isASCIIDigit(static_cast<unsigned char>(c)); };
-  return !text.empty() && isDigit(text.front()) && std::ranges::all_of(text, [&](char c) {
+  const std::string_view major = text.substr(0, text.find('.'));
+  return !major.empty() && std::ranges::all_of(major, isDigit) && std::ranges::all_of(text, [&](char c) {
     return isDigit(c) || platform::isASCIILetter(static_cast<unsigned char>(c)) || c == '.' || c == '-' || c == '_';
   });
 }
@@ -259,7 +262,7 @@ std::string faultOf(const Arguments& arguments) {
   }
   if (const std::optional<std::string> own = arguments.value("--own"); own && !isVersion(*own)) {
     return "--own " + quoted(*own) +
-           R"(: a version begins with a digit and holds nothing but digits, letters, ".", "-" and "_")";
+           R"(: a version begins with a number and a period, or is one; else it holds letters, digits, ".", "-" and "_")";
   }
   return "";
 }

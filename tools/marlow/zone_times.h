@@ -8,8 +8,8 @@
 
 namespace SharedClasses::marlow {
 
-// Makes `name` the local zone of this process, by its environment variable TZ. False, and nothing changes, where there is
-// no such zone. To be called while the process has one thread, as every command of the tool does.
+// Makes `name` the local zone of this process, by its environment variable TZ. False, and nothing changes, where there
+// is no such zone. To be called while the process has one thread, as every command of the tool does.
 [[nodiscard]] bool useLocalZone(const std::string& name);
 
 // What is said of `name` where there is no such zone.

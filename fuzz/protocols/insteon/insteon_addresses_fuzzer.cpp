@@ -1,5 +1,5 @@
-// Agrees with a slow model that cuts the whole text into groups, then into pairs; a canonical form has a value that writes
-// the same form.
+// Agrees with a slow model that cuts the whole text into groups, then into pairs; a canonical form has a value that
+// writes the same form.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>

@@ -1,4 +1,5 @@
-// Agrees with a slow model that goes through the text once for each step; an address that is read is written the same way.
+// Agrees with a slow model that goes through the text once for each step; an address that is read is written the same
+// way.
 #include <algorithm>
 #include <array>
 #include <cstdlib>

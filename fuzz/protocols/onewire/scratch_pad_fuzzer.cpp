@@ -1,5 +1,5 @@
-// Any nine bytes and any script of setters: every setter but that of the resolution leaves a valid pad, that of the units
-// leaves the bytes, and a pad made of the same bytes reads the same.
+// Any nine bytes and any script of setters: every setter but that of the resolution leaves a valid pad, that of the
+// units leaves the bytes, and a pad made of the same bytes reads the same.
 #include <cstdlib>
 #include <cstring>
 

@@ -14,6 +14,14 @@ using platform::Path;
 using platform::Rectangle;
 using platform::Window;
 
+struct DrawnWindow : Window {
+  using Window::Window;
+  void setFrame(const Rectangle& frame, bool display) override {
+    Window::setFrame(frame, display);
+    EXPECT_TRUE(display);
+  }
+};
+
 TEST(WindowFrame, GetsTheSizeThatItLacks) {
   const tests::CapturedLog captured;
   const Rectangle kRows[][2] = {
@@ -23,7 +31,7 @@ TEST(WindowFrame, GetsTheSizeThatItLacks) {
       {{1, 2, 1e-9, 4}, {1, 2, 1e-9, 4}},
   };
   for (const auto& [frame, expected] : kRows) {
-    Window window(frame);
+    DrawnWindow window(frame);
     ensureWindowFrameIsOK(&window);
     EXPECT_EQ(window.frame(), expected);
   }
@@ -60,7 +68,7 @@ TEST(WindowOnScreen, ComesBackOntoTheNearestScreenWhereTooLittleOfItIsSeen) {
   };
   for (const auto& [name, screens, frame, expected] : kRows) {
     SCOPED_TRACE(name);
-    Window window(frame);
+    DrawnWindow window(frame);
     EXPECT_EQ(ensureWindowIsOnScreen(&window, screens), frame != expected);
     EXPECT_EQ(window.frame(), expected);
     EXPECT_FALSE(ensureWindowIsOnScreen(&window, screens)) << "is there now";
