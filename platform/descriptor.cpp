@@ -94,8 +94,9 @@ std::span<const std::uint8_t> asData(std::string_view text) {
 }
 
 void appendBigEndian(std::vector<std::uint8_t>& bytes, std::uint32_t number) {
-  const auto byteAt = [number](int shift) { return static_cast<std::uint8_t>(number >> shift); };
-  bytes.insert(bytes.end(), {byteAt(24), byteAt(16), byteAt(8), byteAt(0)});
+  for (int shift = 24; shift >= 0; shift -= 8) {
+    bytes.push_back(static_cast<std::uint8_t>(number >> shift));
+  }
 }
 
 void appendHex(std::string& line, std::uint8_t byte) {
